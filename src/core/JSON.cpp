@@ -1,0 +1,196 @@
+#include "core/JSON.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace ventolith::core {
+
+using Kind = DecodeError::Kind;
+
+namespace {
+
+constexpr const char* invalidNumberOfKeys = "Invalid number of keys found, expected one.";
+
+/// Watches a parse and ends it at the first bound that is passed.
+class BoundsWatch {
+public:
+  explicit BoundsWatch(const JSONBounds& bounds) : bounds_(bounds) {}
+
+  void enter(bool isObject) {
+    if (++depth_ > bounds_.depth) fail(fmt::format("nested deeper than {} levels", bounds_.depth));
+    count();
+    if (isObject) keys_.emplace_back();
+    kinds_.push_back(isObject);
+  }
+
+  void leave() {
+    --depth_;
+    if (kinds_.back()) keys_.pop_back();
+    kinds_.pop_back();
+  }
+
+  void key(const std::string& name) {
+    if (keys_.back().size() >= bounds_.membersOfAnObject) {
+      fail(fmt::format("an object with more than {} members", bounds_.membersOfAnObject));
+    }
+    if (!keys_.back().insert(name).second)
+      fail(fmt::format("the key \"{}\" stands twice in one object", name));
+  }
+
+  void count() {
+    if (++values_ > bounds_.values) fail(fmt::format("more than {} values", bounds_.values));
+  }
+
+private:
+  [[noreturn]] static void fail(std::string description) {
+    throw DecodeError(Kind::dataCorrupted, "", std::move(description));
+  }
+
+  const JSONBounds& bounds_;
+  std::size_t depth_ = 0;
+  std::size_t values_ = 0;
+  std::vector<std::set<std::string>> keys_; // Of each object that is open.
+  std::vector<bool> kinds_;                 // Of each value that is open: true for an object.
+};
+
+std::string_view typeName(const JSON& value) {
+  if (value.is_null()) return "null";
+  if (value.is_boolean()) return "a boolean";
+  if (value.is_string()) return "a string";
+  if (value.is_array()) return "a list";
+  if (value.is_object()) return "an object";
+  return "a number";
+}
+
+} // namespace
+
+DecodeError::DecodeError(Kind kind, std::string path, std::string description)
+    : std::runtime_error(path.empty() ? description : path + ": " + description),
+      kind_(kind),
+      path_(std::move(path)),
+      description_(std::move(description)) {}
+
+JSON parseJSON(std::string_view text, const JSONBounds& bounds) {
+  if (text.size() > bounds.bytes) {
+    throw DecodeError(Kind::dataCorrupted, "",
+                      fmt::format("{} bytes, more than the {} that are read", text.size(), bounds.bytes));
+  }
+  if (text.find('\0') != std::string_view::npos) { // The parser would take it for the end of the text.
+    throw DecodeError(Kind::dataCorrupted, "", "not valid JSON: a zero byte");
+  }
+  BoundsWatch watch(bounds);
+  const auto observe = [&watch](int, JSON::parse_event_t event, JSON& parsed) {
+    switch (event) {
+    case JSON::parse_event_t::object_start: watch.enter(true); break;
+    case JSON::parse_event_t::array_start: watch.enter(false); break;
+    case JSON::parse_event_t::object_end:
+    case JSON::parse_event_t::array_end: watch.leave(); break;
+    case JSON::parse_event_t::key: watch.key(parsed.get_ref<const std::string&>()); break;
+    case JSON::parse_event_t::value: watch.count(); break;
+    }
+    return true;
+  };
+  try {
+    return JSON::parse(text.begin(), text.end(), observe);
+  } catch (const JSON::exception& error) {
+    throw DecodeError(Kind::dataCorrupted, "", fmt::format("not valid JSON: {}", error.what()));
+  }
+}
+
+JSONReader JSONReader::at(std::string_view key) const {
+  expectObject();
+  const auto member = value_.find(key);
+  if (member == value_.end()) {
+    // The path is that of the missing key: it is where something has to be put.
+    const JSONReader missing(value_, this, key, 0);
+    missing.fail(Kind::keyNotFound, "required key not found");
+  }
+  return {*member, this, key, 0};
+}
+
+std::optional<JSONReader> JSONReader::find(std::string_view key) const {
+  expectObject();
+  const auto member = value_.find(key);
+  if (member == value_.end() || member->is_null()) return std::nullopt;
+  return JSONReader(*member, this, key, 0);
+}
+
+std::string_view JSONReader::onlyCase(std::initializer_list<std::string_view> cases) const {
+  expectObject();
+  const auto isThere = [this](std::string_view name) { return value_.contains(name); };
+  if (std::count_if(cases.begin(), cases.end(), isThere) != 1) fail(Kind::typeMismatch, invalidNumberOfKeys);
+  return *std::find_if(cases.begin(), cases.end(), isThere);
+}
+
+std::size_t JSONReader::size() const {
+  if (!value_.is_array())
+    fail(Kind::typeMismatch, fmt::format("expected a list, found {}", typeName(value_)));
+  return value_.size();
+}
+
+JSONReader JSONReader::element(std::size_t place) const {
+  return {value_[place], this, {}, place};
+}
+
+double JSONReader::asDouble() const {
+  if (!value_.is_number())
+    fail(Kind::typeMismatch, fmt::format("expected a number, found {}", typeName(value_)));
+  return value_.get<double>();
+}
+
+std::int64_t JSONReader::asInteger() const {
+  if (value_.is_number_unsigned()) {
+    const auto number = value_.get<std::uint64_t>();
+    if (number > static_cast<std::uint64_t>(INT64_MAX)) {
+      fail(Kind::typeMismatch, "the number does not fit a signed 64-bit integer");
+    }
+    return static_cast<std::int64_t>(number);
+  }
+  if (value_.is_number_integer()) return value_.get<std::int64_t>();
+  const double number = asDouble();
+  constexpr double beyond = 9223372036854775808.0; // 2^63, to which what is just beyond is rounded.
+  if (number <= -beyond || number >= beyond || std::trunc(number) != number) {
+    fail(Kind::typeMismatch, "expected a whole number of at most 64 bits");
+  }
+  return static_cast<std::int64_t>(number);
+}
+
+bool JSONReader::asBoolean() const {
+  if (!value_.is_boolean())
+    fail(Kind::typeMismatch, fmt::format("expected a boolean, found {}", typeName(value_)));
+  return value_.get<bool>();
+}
+
+const std::string& JSONReader::asString() const {
+  if (!value_.is_string())
+    fail(Kind::typeMismatch, fmt::format("expected a string, found {}", typeName(value_)));
+  return value_.get_ref<const std::string&>();
+}
+
+UUID JSONReader::asUUID() const {
+  const auto id = uuidFromText(asString());
+  if (!id) fail(Kind::dataCorrupted, "expected a UUID in its hyphenated form");
+  return *id;
+}
+
+void JSONReader::expectObject() const {
+  if (!value_.is_object())
+    fail(Kind::typeMismatch, fmt::format("expected an object, found {}", typeName(value_)));
+}
+
+std::string JSONReader::path() const {
+  if (parent_ == nullptr) return {};
+  std::string path = parent_->path();
+  if (key_.data() == nullptr) return path + fmt::format("[{}]", place_);
+  if (!path.empty()) path += '.';
+  return path.append(key_);
+}
+
+void JSONReader::fail(Kind kind, std::string description) const {
+  throw DecodeError(kind, path(), std::move(description));
+}
+
+} // namespace ventolith::core

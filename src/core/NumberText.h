@@ -1,0 +1,12 @@
+// Numbers in the texts of the system.
+#pragma once
+
+#include <string>
+
+namespace ventolith::core {
+
+/// `value` in its shortest form that reads back to the same value, always with a fractional part:
+/// 0.0, 15.0, 0.3.
+[[nodiscard]] std::string fractionText(double value);
+
+} // namespace ventolith::core

@@ -1,0 +1,89 @@
+// How a fan is taken out of firmware control. Writing its mode key can be refused until the force latch
+// is set, and can go on being refused for seconds after that, so the claim is a retry loop with its own
+// rules for which refusals count.
+#include "helper/engine/LocalFanController.h"
+
+#include "hardware/FanKeys.h"
+
+namespace ventolith::helper {
+
+using core::ControlResult;
+using core::FanID;
+using runtime::Async;
+namespace fankeys = hardware::fankeys;
+
+namespace {
+
+constexpr runtime::Duration claimBudget = std::chrono::seconds(10);
+constexpr runtime::Duration claimInterval = std::chrono::milliseconds(100);
+constexpr int attemptsPerLatch = 20;  // The latch is rewritten with every so-manieth attempt.
+constexpr int identicalRefusals = 5;  // So many in a row end the claim.
+constexpr std::uint8_t notYet = 0x82; // The SMC's answer while the latch takes hold: no refusal at all.
+constexpr std::uint8_t driverFailed = 255;
+
+/// Counts identical refusals in a row.
+class RefusalCount {
+public:
+  /// Takes one refusal in; true when it is one too many.
+  bool endsTheClaim(std::uint8_t code) {
+    if (code == notYet) {
+      lastCode_.reset();
+      repeats_ = 0;
+      return false;
+    }
+    repeats_ = code == lastCode_ ? repeats_ + 1 : 1;
+    lastCode_ = code;
+    return repeats_ >= identicalRefusals;
+  }
+
+private:
+  std::optional<std::uint8_t> lastCode_;
+  int repeats_ = 0;
+};
+
+} // namespace
+
+Async<std::optional<std::string>> LocalFanController::resolveModeKey(FanID fan) {
+  if (const auto known = modeKeyCache_.find(fan); known != modeKeyCache_.end()) co_return known->second;
+  if (!fankeys::isNameable(fan)) co_return std::nullopt;
+  // Any value, even one that holds no number, says that the key exists.
+  for (const auto& key : {fankeys::modeFirstChoice(fan), fankeys::modeSecondChoice(fan)}) {
+    if (!co_await smc_.tryReadValue(key)) continue;
+    modeKeyCache_.insert_or_assign(fan, key);
+    co_return key;
+  }
+  co_return std::nullopt; // Nothing is remembered: the next try may succeed.
+}
+
+/// `applied`, `timedOut` after 10 seconds, or `rejected` with the code of the fifth identical refusal in
+/// a row. With an expected release generation it stands down with `reclaimed` once that has passed: no
+/// manual mode is written after the fans were handed back.
+Async<ControlResult> LocalFanController::claimManualMode(std::string modeKey,
+                                                         std::optional<Generation> expected) {
+  const auto isHandedBack = [this, expected] { return expected && *expected != releaseGeneration_; };
+
+  const auto first = co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
+  if (isHandedBack()) co_return ControlResult::reclaimed;
+  if (first && *first == 0) co_return ControlResult::applied;
+
+  co_await smc_.writeUInt8(fankeys::forceTest, 1);
+  const runtime::Instant start = clock_.now();
+  const auto isOverBudget = [this, start] { return clock_.now() - start >= claimBudget; };
+  RefusalCount refusals;
+  for (int attempt = 1; !isOverBudget(); ++attempt) {
+    if (isHandedBack()) co_return ControlResult::reclaimed;
+    if (attempt % attemptsPerLatch == 0) {
+      co_await smc_.writeUInt8(fankeys::forceTest, 1);
+      if (isHandedBack()) co_return ControlResult::reclaimed;
+    }
+    const auto written = co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
+    if (isHandedBack()) co_return ControlResult::reclaimed;
+    const std::uint8_t code = written ? *written : driverFailed;
+    if (code == 0) co_return ControlResult::applied;
+    if (refusals.endsTheClaim(code)) co_return ControlResult::rejected(code);
+    co_await clock_.sleep(claimInterval, runtime::StopToken());
+  }
+  co_return ControlResult::timedOut;
+}
+
+} // namespace ventolith::helper

@@ -1,0 +1,112 @@
+#include "helper/engine/LocalFanController.h"
+
+#include "hardware/FanKeys.h"
+
+#include <cmath>
+
+namespace ventolith::helper {
+
+using core::ControlResult;
+using core::FanControlModePlan;
+using core::FanControlPlan;
+using core::FanID;
+using runtime::Async;
+
+LocalFanController::LocalFanController(const runtime::Executor& executor, runtime::Clock& clock,
+                                       hardware::SMCWriting& smc, hardware::SensorReading& sensors,
+                                       const hardware::Privileges& privileges)
+    : serial_(executor), clock_(clock), smc_(smc), sensors_(sensors), privileges_(privileges) {}
+
+LocalFanController::LocalFanController(const runtime::Executor& executor, runtime::Clock& clock,
+                                       hardware::SMCConnection& smc, hardware::HIDBridge& bridge,
+                                       const hardware::Privileges& privileges)
+    : serial_(executor),
+      clock_(clock),
+      ownSensors_(std::make_unique<hardware::SensorReader>(executor, smc, bridge, clock,
+                                                           hardware::printToStandardError)),
+      smc_(smc),
+      sensors_(*ownSensors_),
+      privileges_(privileges) {}
+
+Async<ControlResult> LocalFanController::setManual(FanID fan, std::int64_t rpm) {
+  return serial_.run(applyToOneFan(fan, FanControlModePlan::fixedRPM(static_cast<double>(rpm))));
+}
+
+Async<ControlResult> LocalFanController::setPercent(FanID fan, double percent) {
+  if (!std::isfinite(percent)) co_return ControlResult::failed("the percentage is not a finite number");
+  co_return co_await serial_.run(applyToOneFan(fan, FanControlModePlan::fixedPercent(percent)));
+}
+
+Async<ControlResult> LocalFanController::fullBlast() {
+  return serial_.run(applyFullBlast());
+}
+
+Async<ControlResult> LocalFanController::applyPlan(FanControlPlan plan) {
+  return serial_.run(applyPlanNow(std::move(plan)));
+}
+
+Async<ControlResult> LocalFanController::automatic() {
+  return serial_.run(automaticNow());
+}
+
+Async<void> LocalFanController::restoreAuto() {
+  return serial_.run(restoreAutoNow());
+}
+
+Async<void> LocalFanController::heartbeat() {
+  return serial_.run(noteHeartbeat());
+}
+
+Async<std::optional<std::string>> LocalFanController::restoreAllFansToAutomatic() {
+  return serial_.run(recoverAtStart());
+}
+
+Async<ControlResult> LocalFanController::applyToOneFan(FanID fan, FanControlModePlan mode) {
+  FanControlPlan plan = activePlan_;
+  std::erase_if(plan.fans, [fan](const core::FanPlan& entry) { return entry.fanID == fan; });
+  plan.fans.push_back({fan, std::move(mode)});
+  co_return co_await applyPlanNow(std::move(plan));
+}
+
+Async<ControlResult> LocalFanController::applyFullBlast() {
+  const auto count = co_await fanCount();
+  if (!count) co_return ControlResult::failed("could not read FNum");
+  FanControlPlan plan = activePlan_;
+  plan.fans.clear();
+  for (FanID fan = 0; fan < *count; ++fan)
+    plan.fans.push_back({fan, FanControlModePlan::fixedPercent(100.0)});
+  co_return co_await applyPlanNow(std::move(plan));
+}
+
+Async<LocalFanController::ErrorText> LocalFanController::recoverAtStart() {
+  const auto count = co_await fanCount();
+  if (!count) co_return "could not read FNum during startup recovery";
+  // A release reaches the fans whose mode key is known, and this process knows none yet.
+  for (FanID fan = 0; fan < *count; ++fan)
+    co_await resolveModeKey(fan);
+  co_return co_await releaseAllToAuto(std::nullopt);
+}
+
+Async<void> LocalFanController::noteHeartbeat() {
+  lastHeartbeat_ = clock_.now();
+  co_return;
+}
+
+Async<std::optional<FanID>> LocalFanController::fanCount() {
+  const auto value = co_await smc_.tryReadValue(hardware::fankeys::fanCount);
+  co_return hardware::fankeys::fanCountOf(value ? value->numeric() : std::nullopt);
+}
+
+void LocalFanController::publishState(bool holding, ErrorText error) {
+  core::ControlState state;
+  state.perFanMode = perFanMode_;
+  for (const auto& [fan, rpm] : targets_)
+    state.targets.emplace(fan, std::llround(rpm));
+  state.isHolding = holding;
+  state.lastError = std::move(error);
+  if (!stoppedFans_.empty()) state.stoppedFans.emplace(stoppedFans_.begin(), stoppedFans_.end());
+  state_ = std::move(state);
+  stateStream_.yield(state_);
+}
+
+} // namespace ventolith::helper

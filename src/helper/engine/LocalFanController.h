@@ -1,0 +1,161 @@
+// The engine that owns the fans: claims them from the firmware, holds a plan, watches over the machine,
+// and gives every fan back when anything is wrong.
+#pragma once
+
+#include "core/ControlContract.h"
+#include "core/FanHoldPlanner.h"
+#include "core/PlanEvaluator.h"
+#include "hardware/Machine.h"
+#include "hardware/SensorReader.h"
+#include "runtime/Clock.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ventolith::helper {
+
+/// A single-threaded owner, one a process, held by a shared_ptr. Its operations suspend at every SMC and
+/// sensor call, so that others of its operations can run between two steps of one; two generation
+/// counters keep work that has become stale from acting.
+///
+/// Nobody but this object's stream reader keeps the stream short: whoever makes a controller for long
+/// reads `stateStream`, or drains it.
+class LocalFanController final : public core::FanControlling,
+                                 public std::enable_shared_from_this<LocalFanController> {
+public:
+  static constexpr runtime::Duration holdPeriod = std::chrono::milliseconds(1500);
+  static constexpr double thermalCeilingCelsius = 95.0; // Reached when the hottest reading is equal or above.
+  static constexpr int heartbeatLimitSeconds = 15;      // Exceeded when strictly more has passed.
+  static constexpr int missingTemperatureLimit = 2;     // Consecutive snapshots without temperatures.
+  static constexpr runtime::Duration releaseRetryPeriod = std::chrono::seconds(2);
+
+  /// Writes through `smc` and reads through `sensors`, both given open; `privileges` says whether this
+  /// process may write at all. All of them outlive the controller.
+  LocalFanController(const runtime::Executor& executor, runtime::Clock& clock, hardware::SMCWriting& smc,
+                     hardware::SensorReading& sensors, const hardware::Privileges& privileges);
+
+  /// The same with a `SensorReader` of its own on the connection.
+  LocalFanController(const runtime::Executor& executor, runtime::Clock& clock, hardware::SMCConnection& smc,
+                     hardware::HIDBridge& bridge, const hardware::Privileges& privileges);
+
+  /// Hold the fan at `rpm`, the other fans as they are. Limits are applied when the plan is evaluated.
+  runtime::Async<core::ControlResult> setManual(core::FanID fan, std::int64_t rpm) override;
+  /// Hold the fan at `percent` of its range; failed for a percentage that is not finite.
+  runtime::Async<core::ControlResult> setPercent(core::FanID fan, double percent) override;
+  /// Every fan of the machine at 100 %; failed if they cannot be counted.
+  runtime::Async<core::ControlResult> fullBlast() override;
+
+  /// The one road into control: gives back the fans that left the plan, claims those that entered it,
+  /// starts the hold loop and runs a first pass. Claiming takes up to 10 seconds a fan. The last failure
+  /// is the result; fans that were claimed stay claimed even so. notPrivileged changes nothing.
+  runtime::Async<core::ControlResult> applyPlan(core::FanControlPlan plan) override;
+
+  /// Gives every fan back. A fan that refuses is retried every 2 seconds until it is back or a newer
+  /// command comes; the result is then a failed that says why.
+  runtime::Async<core::ControlResult> automatic() override;
+  /// The same without a result, and without the test of privilege.
+  runtime::Async<void> restoreAuto() override;
+
+  runtime::Async<void> heartbeat() override;
+  core::ControlStateStream& stateStream() override { return stateStream_; }
+
+  /// The last state published.
+  [[nodiscard]] const core::ControlState& currentState() const { return state_; }
+
+  /// Whether a plan other than "all automatic" is in force; a watchdog ends that as a command does.
+  [[nodiscard]] bool isPlanInForce() const { return activePlan_ != core::FanControlPlan::allAutomatic; }
+
+  /// The startup recovery: a previous run may have died and left fans in manual mode, so every fan of
+  /// the machine is given back. Returns what failed. Does not test privilege.
+  runtime::Async<std::optional<std::string>> restoreAllFansToAutomatic();
+
+private:
+  using Generation = std::int64_t;
+  using ErrorText = std::optional<std::string>;
+  using WriteResult = hardware::SMCResult<std::uint8_t>;
+
+  // Commands and state: LocalFanController.cpp
+  runtime::Async<core::ControlResult> applyToOneFan(core::FanID fan, core::FanControlModePlan mode);
+  runtime::Async<core::ControlResult> applyFullBlast();
+  runtime::Async<ErrorText> recoverAtStart();
+  runtime::Async<void> noteHeartbeat();
+  runtime::Async<std::optional<core::FanID>> fanCount();
+  void publishState(bool holding, ErrorText error);
+
+  // Taking a fan out of firmware control: FanClaim.cpp
+  runtime::Async<std::optional<std::string>> resolveModeKey(core::FanID fan);
+  runtime::Async<core::ControlResult> claimManualMode(std::string modeKey,
+                                                      std::optional<Generation> expected);
+
+  // Applying and asserting a plan: PlanAssertion.cpp
+  runtime::Async<core::ControlResult> applyPlanNow(core::FanControlPlan plan);
+  runtime::Async<core::ControlResult> claimFansOf(const core::FanControlPlan& plan);
+  runtime::Async<std::vector<core::FanID>>
+  assertPlanOnce(core::FanControlPlan plan, core::SensorSnapshot snapshot, runtime::Instant now);
+  runtime::Async<bool> releaseFansOf(const core::FanHoldActions& actions, Generation generation);
+  runtime::Async<bool> claimFansOf(const core::FanHoldActions& actions, const core::FanControlPlan& plan,
+                                   Generation generation);
+  runtime::Async<std::optional<std::vector<core::FanID>>> holdTargetsOf(const core::FanHoldActions& actions,
+                                                                        Generation generation);
+  void enterClaimed(core::FanID fan, const core::FanControlPlan& plan);
+
+  // The periodic loop and its watchdogs: HoldLoop.cpp
+  enum class Round { goesOn, endsTheLoop };
+  void ensureHoldLoopRunning();
+  static runtime::Async<void> startedHoldLoop(std::weak_ptr<LocalFanController> controller,
+                                              runtime::StopToken stop);
+  runtime::Async<void> holdLoop(runtime::StopToken stop);
+  runtime::Async<Round> holdRound();
+  ErrorText watchdogMessage(const core::SensorSnapshot& snapshot) const;
+  runtime::Async<Round> releaseSequence(std::string message);
+  Round reportPass(const std::vector<core::FanID>& reclaimed);
+
+  // Back to the firmware: Release.cpp
+  runtime::Async<core::ControlResult> automaticNow();
+  runtime::Async<void> restoreAutoNow();
+  runtime::Async<ErrorText> giveBackByCommand();
+  runtime::Async<ErrorText> releaseAllToAuto(std::optional<Generation> expectedRetryGeneration);
+  runtime::Async<ErrorText> releasePendingAutoFans(std::optional<Generation> expectedRetryGeneration);
+  runtime::Async<std::optional<std::string>> giveBack(const std::string& key);
+  [[nodiscard]] bool isStale(std::optional<Generation> expectedRetryGeneration) const;
+  void settleRelease(const std::set<core::FanID>& failed);
+  void forgetHeld(core::FanID fan);
+  void standDownRetry();
+  void ensureReleaseRetryLoopRunning();
+  static runtime::Async<void> startedReleaseRetryLoop(std::weak_ptr<LocalFanController> controller,
+                                                      Generation generation, runtime::StopToken stop);
+  runtime::Async<void> releaseRetryLoop(Generation generation, runtime::StopToken stop);
+
+  runtime::SerialExecutor serial_;
+  runtime::Clock& clock_;
+  std::unique_ptr<hardware::SensorReader> ownSensors_; // Where none was given.
+  hardware::SMCWriting& smc_;
+  hardware::SensorReading& sensors_;
+  const hardware::Privileges& privileges_;
+
+  std::map<core::FanID, std::string> modeKeyCache_;
+  std::map<core::FanID, double> targets_; // RPM last written to each held fan.
+  std::map<core::FanID, core::ControlMode> perFanMode_;
+  core::FanControlPlan activePlan_ = core::FanControlPlan::allAutomatic;
+  core::PlanEvaluator evaluator_;
+  std::set<core::FanID> claimedFans_;            // In manual mode under this controller.
+  std::set<core::FanID> pendingAutoReleaseFans_; // Have still to go back to the firmware.
+  std::set<core::FanID> monitoredFans_;          // Those that the active plan does not leave automatic.
+  std::set<core::FanID> stoppedFans_;            // Parked at zero by the stop policy.
+  std::optional<runtime::StopSource> holdTask_;
+  std::optional<runtime::StopSource> releaseRetryTask_;
+  Generation releaseRetryGeneration_ = 0; // Advanced by each command; a retry of an older one stands down.
+  Generation releaseGeneration_ = 0;      // Advanced by each release; a pass of an older one stops writing.
+  runtime::Instant lastHeartbeat_ = runtime::distantPast; // The distant past: never, or released.
+  int consecutiveMissingTemperatureSnapshots_ = 0;
+  core::ControlStateStream stateStream_;
+  core::ControlState state_ = core::ControlState::idle;
+};
+
+} // namespace ventolith::helper

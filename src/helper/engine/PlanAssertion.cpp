@@ -1,0 +1,152 @@
+// Applying a plan, and the pass that asks the policy what each fan should do now and drives the SMC
+// accordingly.
+#include "helper/engine/LocalFanController.h"
+
+#include "hardware/FanKeys.h"
+
+#include <algorithm>
+
+namespace ventolith::helper {
+
+using core::ControlResult;
+using core::FanControlPlan;
+using core::FanHoldActions;
+using core::FanID;
+using core::FanPlan;
+using runtime::Async;
+namespace fankeys = hardware::fankeys;
+
+namespace {
+
+std::set<FanID> controlledFans(const FanControlPlan& plan) {
+  std::set<FanID> fans;
+  for (const FanPlan& entry : plan.fans) {
+    if (!entry.mode.isAutomatic()) fans.insert(entry.fanID);
+  }
+  return fans;
+}
+
+} // namespace
+
+Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
+  if (!privileges_.mayControlFans()) co_return ControlResult::notPrivileged;
+  standDownRetry();
+  activePlan_ = plan;
+  monitoredFans_ = controlledFans(plan);
+  std::erase_if(pendingAutoReleaseFans_, [this](FanID fan) { return monitoredFans_.contains(fan); });
+  std::copy_if(claimedFans_.begin(), claimedFans_.end(),
+               std::inserter(pendingAutoReleaseFans_, pendingAutoReleaseFans_.end()),
+               [this](FanID fan) { return !monitoredFans_.contains(fan); });
+  if (auto error = co_await releasePendingAutoFans(std::nullopt)) publishState(true, std::move(error));
+
+  const ControlResult result = co_await claimFansOf(plan);
+  if (claimedFans_.empty() && monitoredFans_.empty()) {
+    auto error = co_await releaseAllToAuto(std::nullopt);
+    co_return error ? ControlResult::failed(std::move(*error)) : result;
+  }
+  lastHeartbeat_ = clock_.now(); // A new plan counts as one.
+  ensureHoldLoopRunning();
+  auto snapshot = co_await sensors_.snapshot();
+  co_await assertPlanOnce(activePlan_, std::move(snapshot), clock_.now());
+  publishState(!claimedFans_.empty(),
+               result == ControlResult::applied ? std::nullopt : ErrorText("applyPlan: " + result.text()));
+  co_return result;
+}
+
+/// The last failure wins; fans that were claimed stay claimed even when a later one fails.
+Async<ControlResult> LocalFanController::claimFansOf(const FanControlPlan& plan) {
+  ControlResult result = ControlResult::applied;
+  for (const FanPlan& entry : plan.fans) {
+    if (entry.mode.isAutomatic() || claimedFans_.contains(entry.fanID)) continue;
+    const auto modeKey = co_await resolveModeKey(entry.fanID);
+    if (!modeKey) {
+      result = ControlResult::failed("neither F<n>Md nor F<n>md exists on this machine");
+      continue;
+    }
+    const ControlResult claim = co_await claimManualMode(*modeKey, std::nullopt);
+    if (claim == ControlResult::applied) {
+      enterClaimed(entry.fanID, plan);
+    } else {
+      result = claim;
+    }
+  }
+  co_return result;
+}
+
+/// One pass. Returns the fans that the firmware was found to have taken back. A release that runs between
+/// two of its steps ends it: no target is written after the fans were handed back.
+Async<std::vector<FanID>>
+LocalFanController::assertPlanOnce(FanControlPlan plan, core::SensorSnapshot snapshot, runtime::Instant now) {
+  const Generation generation = releaseGeneration_;
+  const auto decisions = evaluator_.evaluate(plan, snapshot, now);
+  const auto actions = core::FanHoldPlanner::actions(decisions, claimedFans_);
+  stoppedFans_ = {actions.stoppedFans.begin(), actions.stoppedFans.end()};
+  if (actions.forceTestEnabled) co_await smc_.writeUInt8(fankeys::forceTest, 1);
+
+  if (!co_await releaseFansOf(actions, generation)) co_return std::vector<FanID>();
+  if (!co_await claimFansOf(actions, plan, generation)) co_return std::vector<FanID>();
+  const auto reclaimed = co_await holdTargetsOf(actions, generation);
+  if (!reclaimed) co_return std::vector<FanID>();
+  if (claimedFans_.empty() && !actions.forceTestEnabled) co_await smc_.writeUInt8(fankeys::forceTest, 0);
+  co_return *reclaimed;
+}
+
+/// Gives back what is to go; a refusal is for the next pass. False once `generation` has passed.
+Async<bool> LocalFanController::releaseFansOf(const FanHoldActions& actions, Generation generation) {
+  for (const FanID fan : actions.toRelease) {
+    if (generation != releaseGeneration_) co_return false;
+    const auto modeKey = modeKeyCache_.find(fan);
+    if (modeKey == modeKeyCache_.end()) continue;
+    const auto written = co_await smc_.writeUInt8(modeKey->second, fankeys::modeAutomatic);
+    if (written && *written == 0) forgetHeld(fan);
+  }
+  co_return true;
+}
+
+/// Takes over what is to be held; a failed claim is for the next pass. False once `generation` has passed.
+Async<bool> LocalFanController::claimFansOf(const FanHoldActions& actions, const FanControlPlan& plan,
+                                            Generation generation) {
+  for (const FanID fan : actions.toClaim) {
+    if (generation != releaseGeneration_) co_return false;
+    const auto modeKey = co_await resolveModeKey(fan);
+    if (!modeKey) continue;
+    if (co_await claimManualMode(*modeKey, generation) == ControlResult::applied) enterClaimed(fan, plan);
+  }
+  co_return true;
+}
+
+/// Asserts mode and target of every claimed fan, since the firmware can revert them at any time. None once
+/// `generation` has passed.
+Async<std::optional<std::vector<FanID>>> LocalFanController::holdTargetsOf(const FanHoldActions& actions,
+                                                                           Generation generation) {
+  const auto isHandedBack = [this, generation] { return generation != releaseGeneration_; };
+  std::vector<FanID> reclaimed;
+  const std::set<FanID> claimed = claimedFans_; // A copy: a release may run wherever this waits.
+  for (const FanID fan : claimed) {
+    if (isHandedBack()) co_return std::nullopt;
+    const auto cachedKey = modeKeyCache_.find(fan);
+    const auto target = actions.targets.find(fan);
+    const bool isHeld =
+        claimedFans_.contains(fan) && cachedKey != modeKeyCache_.end() && target != actions.targets.end();
+    if (!isHeld) continue;
+    const std::string modeKey = cachedKey->second;
+    co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
+    if (isHandedBack()) co_return std::nullopt;
+    co_await smc_.writeFloat(fankeys::target(fan), target->second);
+    if (isHandedBack()) co_return std::nullopt;
+    targets_.insert_or_assign(fan, target->second);
+    const auto mode = co_await smc_.tryReadValue(modeKey);
+    if (fankeys::truncated(mode ? mode->numeric() : std::nullopt) == fankeys::modeReclaimed)
+      reclaimed.push_back(fan);
+  }
+  co_return reclaimed;
+}
+
+void LocalFanController::enterClaimed(FanID fan, const FanControlPlan& plan) {
+  claimedFans_.insert(fan);
+  const auto entry = std::find_if(plan.fans.begin(), plan.fans.end(),
+                                  [fan](const FanPlan& candidate) { return candidate.fanID == fan; });
+  if (entry != plan.fans.end()) perFanMode_.insert_or_assign(fan, core::controlMode(entry->mode));
+}
+
+} // namespace ventolith::helper

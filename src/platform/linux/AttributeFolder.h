@@ -1,0 +1,64 @@
+// The folder of a device's attribute files, held open. Files are reached through the held folder, so that
+// a device which takes over the same path is never read or written in its stead.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace ventolith::platform {
+
+/// Whole numbers only, as the drivers write them: digits with an optional minus, and a line end. What is
+/// empty, too long, out of range or anything else is no number.
+[[nodiscard]] std::optional<std::int64_t> parseInteger(std::string_view text);
+
+/// `text` without blanks, tabs, line ends and zero bytes at its end.
+[[nodiscard]] std::string_view withoutTrailingBlanks(std::string_view text);
+
+class AttributeFolder {
+public:
+  /// None if `path` is no folder that can be opened.
+  [[nodiscard]] static std::optional<AttributeFolder> open(const std::filesystem::path& path);
+
+  AttributeFolder(AttributeFolder&& other) noexcept;
+  AttributeFolder& operator=(AttributeFolder&& other) noexcept;
+  ~AttributeFolder();
+
+  /// Whether the path that was opened still leads to this very folder.
+  [[nodiscard]] bool isStillThere() const;
+
+  /// Whether `file` is a regular file.
+  [[nodiscard]] bool has(const std::string& file) const;
+  /// Whether `file` is a regular file with a write bit for anybody. The mode is asked rather than the
+  /// access, for root may open what the driver then refuses.
+  [[nodiscard]] bool hasWritable(const std::string& file) const;
+  /// Whether this process may open `file` for writing.
+  [[nodiscard]] bool mayWrite(const std::string& file) const;
+
+  /// None if `file` does not read, or holds no number.
+  [[nodiscard]] std::optional<std::int64_t> readInteger(const std::string& file) const;
+  /// The first line without the blanks at its end, at most 63 bytes; none if `file` does not read.
+  [[nodiscard]] std::optional<std::string> readLine(const std::string& file) const;
+
+  /// Replaces the content of an existing file. Never creates one and never waits.
+  [[nodiscard]] std::error_code write(const std::string& file, std::int64_t value) const;
+
+  /// The names in the folder, unsorted; empty if it cannot be listed.
+  [[nodiscard]] std::vector<std::string> list() const;
+
+private:
+  AttributeFolder(int descriptor, std::filesystem::path path, dev_t device, ino_t inode);
+
+  int descriptor_;
+  std::filesystem::path path_;
+  dev_t device_;
+  ino_t inode_;
+};
+
+} // namespace ventolith::platform

@@ -1,0 +1,170 @@
+#include "platform/linux/ClaimsRecord.h"
+
+#include "core/JSON.h"
+
+#include <fmt/format.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace ventolith::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+using core::JSON;
+using core::JSONReader;
+
+constexpr std::size_t longestFile = std::size_t{64} * 1024;
+/// Beyond what any driver's file takes; a record that says more was not written here.
+constexpr std::int64_t largestValue = 1'000'000;
+
+void complain(const std::string& what) {
+  fmt::print(stderr, "[Hwmon] {}\n", what);
+}
+
+JSON toJSON(const std::optional<std::int64_t>& value) {
+  return value ? JSON(*value) : JSON(nullptr);
+}
+
+JSON toJSON(const ClaimRecord& record) {
+  const DeviceIdentity& device = record.fan.device;
+  return {{"root", record.fan.root},
+          {"driver", device.driver},
+          {"device", device.path},
+          {"ordinal", device.ordinal},
+          {"fan", record.fan.fan},
+          {"kind", record.kind},
+          {"enable", toJSON(record.former.enable)},
+          {"speed", toJSON(record.former.speed)}};
+}
+
+std::int64_t valueFromJSON(const JSONReader& reader) {
+  const std::int64_t value = reader.asInteger();
+  if (value >= 0 && value <= largestValue) return value;
+  throw core::DecodeError(core::DecodeError::Kind::dataCorrupted, "", "a value out of range");
+}
+
+std::optional<std::int64_t> optionalFromJSON(const JSONReader& reader, std::string_view key) {
+  const auto member = reader.find(key);
+  if (!member) return std::nullopt;
+  return valueFromJSON(*member);
+}
+
+ClaimRecord recordFromJSON(const JSONReader& reader) {
+  const DeviceIdentity device{reader.at("driver").asString(), reader.at("device").asString(),
+                              static_cast<int>(valueFromJSON(reader.at("ordinal")))};
+  return {{reader.at("root").asString(), device, static_cast<int>(valueFromJSON(reader.at("fan")))},
+          reader.at("kind").asString(),
+          {optionalFromJSON(reader, "enable"), optionalFromJSON(reader, "speed")}};
+}
+
+std::vector<ClaimRecord> recordsFromText(const std::string& text) {
+  const JSON document = core::parseJSON(text, {.bytes = longestFile});
+  const JSONReader reader(document);
+  std::vector<ClaimRecord> records;
+  for (std::size_t place = 0; place < reader.size(); ++place) {
+    records.push_back(recordFromJSON(reader.element(place)));
+  }
+  return records;
+}
+
+std::string readAtMost(const fs::path& path, std::size_t limit) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(limit, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(limit));
+  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
+  return text;
+}
+
+/// Whether `folder` is there and writable, or could be made.
+bool isUsable(const fs::path& folder) {
+  std::error_code error;
+  if (fs::is_directory(folder, error)) return ::access(folder.c_str(), W_OK) == 0;
+  if (fs::exists(folder, error)) return false;
+  return ::access(folder.parent_path().c_str(), W_OK) == 0;
+}
+
+/// Writes beside `path` and renames, so that a reader finds the old content or the new.
+bool replaceFile(const fs::path& path, const std::string& text) {
+  const fs::path draft = path.string() + ".new";
+  const auto closeFile = [](std::FILE* file) { return std::fclose(file); };
+  std::unique_ptr<std::FILE, decltype(closeFile)> file(std::fopen(draft.c_str(), "we"), closeFile);
+  if (!file) return false;
+  const bool isWritten = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size() &&
+                         std::fflush(file.get()) == 0 && ::fsync(::fileno(file.get())) == 0;
+  const bool isClosed = std::fclose(file.release()) == 0;
+  std::error_code error;
+  if (isWritten && isClosed) fs::rename(draft, path, error);
+  return isWritten && isClosed && !error;
+}
+
+} // namespace
+
+std::optional<fs::path> stateFolder() {
+  if (const char* folder = std::getenv("VENTOLITH_STATE_DIR"); folder && *folder) return fs::path(folder);
+  if (const fs::path folder = "/run/ventolith"; isUsable(folder)) return folder;
+  if (const char* runtime = std::getenv("XDG_RUNTIME_DIR"); runtime && *runtime) {
+    if (const fs::path folder = fs::path(runtime) / "ventolith"; isUsable(folder)) return folder;
+  }
+  return std::nullopt;
+}
+
+ClaimsRecord::ClaimsRecord(std::optional<fs::path> folder) : folder_(std::move(folder)) {
+  load();
+}
+
+std::optional<FormerControl> ClaimsRecord::find(const FanIdentity& fan, const std::string& kind) const {
+  const auto found = std::ranges::find(records_, fan, &ClaimRecord::fan);
+  if (found == records_.end() || found->kind != kind) return std::nullopt;
+  return found->former;
+}
+
+void ClaimsRecord::put(ClaimRecord record) {
+  std::erase_if(records_, [&](const ClaimRecord& one) { return one.fan == record.fan; });
+  records_.push_back(std::move(record));
+  save();
+}
+
+void ClaimsRecord::remove(const FanIdentity& fan) {
+  const auto removed = std::erase_if(records_, [&](const ClaimRecord& one) { return one.fan == fan; });
+  if (removed > 0) save();
+}
+
+void ClaimsRecord::load() {
+  if (!folder_) return;
+  const fs::path path = *folder_ / "claims";
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return;
+  try {
+    records_ = recordsFromText(readAtMost(path, longestFile + 1));
+  } catch (const std::exception& failure) {
+    complain(fmt::format("{} is ignored: {}", path.string(), failure.what()));
+  }
+}
+
+void ClaimsRecord::save() const {
+  if (!folder_) return;
+  const fs::path path = *folder_ / "claims";
+  std::error_code error;
+  if (records_.empty()) {
+    fs::remove(path, error);
+    if (error && error != std::errc::not_a_directory)
+      complain(fmt::format("{} could not be removed: {}", path.string(), error.message()));
+    return;
+  }
+  fs::create_directories(*folder_, error);
+  JSON document = JSON::array();
+  for (const ClaimRecord& record : records_)
+    document.push_back(toJSON(record));
+  // A driver's name may be any bytes.
+  const std::string text = document.dump(1, ' ', false, JSON::error_handler_t::replace) + "\n";
+  if (!replaceFile(path, text)) complain(fmt::format("{} could not be written", path.string()));
+}
+
+} // namespace ventolith::platform

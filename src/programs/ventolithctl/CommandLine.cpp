@@ -1,0 +1,100 @@
+#include "programs/ventolithctl/CommandLine.h"
+
+#include "programs/ventolithctl/CheckCommand.h"
+#include "programs/ventolithctl/HoldCommand.h"
+#include "programs/ventolithctl/RecordCommand.h"
+#include "programs/ventolithctl/ReplayCommand.h"
+#include "programs/ventolithctl/SnapshotCommand.h"
+#include "programs/ventolithctl/WatchCommand.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <sstream>
+
+namespace ventolith::ctl {
+
+namespace {
+
+constexpr const char* description =
+    "Shows the temperatures and fans of this computer, tries fan plans without touching it, and holds them.";
+
+constexpr const char* footer = R"(Exit status:
+  0  done
+  1  check: the plan is valid, and there are warnings
+  2  the command line, a plan or a trace is wrong
+  3  the machine cannot be reached, or something cannot be written
+
+Environment:
+  VENTOLITH_MACHINE  which machine: unset is this computer, simulated:NAME a simulated one,
+                     socket:PATH a simulator that runs
+  NO_COLOR           set to anything: no colours)";
+
+/// The commands' parsers; one that recognises its name sets `context.command`.
+void addCommands(CLI::App& app, Context& context) {
+  addSnapshot(app, context);
+  addWatch(app, context);
+  addRecord(app, context);
+  addReplay(app, context);
+  addCheck(app, context);
+  addHold(app, context);
+}
+
+/// Where not even this can be said, the status has to do.
+void complain(Context& context, const std::string& text) {
+  try {
+    context.err.write(text);
+    context.err.flush();
+  } catch (const OutputError&) {
+  }
+}
+
+/// The status to end with right away, for help and for what cannot be understood; none to go on.
+std::optional<ExitStatus> parse(CLI::App& app, std::vector<std::string> arguments, Context& context) {
+  try {
+    std::reverse(arguments.begin(), arguments.end()); // The parser takes them from the back.
+    app.parse(std::move(arguments));
+    return std::nullopt;
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = app.exit(error, out, err);
+    context.out.write(out.str());
+    context.out.flush();
+    if (code == 0) return ExitStatus::done;
+    complain(context, "ventolithctl: " + err.str());
+    return ExitStatus::invalid;
+  }
+}
+
+ExitStatus report(Context& context, ExitStatus status, const std::exception& error) {
+  complain(context, fmt::format("ventolithctl: {}\n", error.what()));
+  return status;
+}
+
+runtime::Async<ExitStatus> runReporting(CLI::App& app, std::vector<std::string> arguments, Context& context) {
+  try {
+    if (const auto status = parse(app, std::move(arguments), context)) co_return *status;
+    const ExitStatus status = co_await context.command();
+    context.out.flush();
+    co_return status;
+  } catch (const InputError& error) {
+    co_return report(context, ExitStatus::invalid, error);
+  } catch (const std::exception& error) {
+    co_return report(context, ExitStatus::failed, error);
+  }
+}
+
+} // namespace
+
+runtime::Async<ExitStatus> runCommandLine(std::vector<std::string> arguments, Context& context) {
+  CLI::App app(description, "ventolithctl");
+  app.footer(footer);
+  app.require_subcommand(1);
+  addCommands(app, context);
+  co_return co_await runReporting(app, std::move(arguments), context);
+}
+
+} // namespace ventolith::ctl

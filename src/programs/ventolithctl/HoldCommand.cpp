@@ -1,0 +1,204 @@
+#include "programs/ventolithctl/HoldCommand.h"
+
+#include "helper/engine/LocalFanController.h"
+#include "programs/ventolithctl/MachineReader.h"
+#include "programs/ventolithctl/PlanFile.h"
+#include "programs/ventolithctl/TextLayout.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <memory>
+#include <optional>
+
+namespace ventolith::ctl {
+
+using core::ControlResult;
+using core::ControlState;
+using runtime::Async;
+
+namespace {
+
+// How often, and how long between, the fans are given back by command before hold ends without all of
+// them; the engine's own retries go on meanwhile.
+constexpr int releaseAttempts = 5;
+constexpr runtime::Duration releaseAttemptInterval = std::chrono::seconds(2);
+
+struct HoldOptions {
+  std::string plan;
+  std::optional<double> seconds;
+  bool asJSON = false;
+};
+
+/// What `state` says in words: each fan with its mode and target, and what is wrong.
+std::string stateText(const ControlState& state) {
+  std::string text = state.isHolding ? "holding" : "not holding";
+  for (const auto& [fan, mode] : state.perFanMode) {
+    const auto target = state.targets.find(fan);
+    const auto rpm =
+        target == state.targets.end() ? std::string("no target yet") : fmt::format("{} RPM", target->second);
+    text += fmt::format("; Fan {}: {}, {}", fan, label(mode), rpm);
+  }
+  if (state.lastError) text += "; " + printable(*state.lastError);
+  return text;
+}
+
+/// Shows each state as a JSON line, or what has changed in words.
+class StateReport {
+public:
+  StateReport(const HoldOptions& options, Output& out) : asJSON_(options.asJSON), out_(out) {}
+
+  void show(const ControlState& state) {
+    if (asJSON_) {
+      out_.write(core::encode(state) + "\n");
+    } else if (auto text = stateText(state); text != lastText_) {
+      out_.write(text + "\n");
+      lastText_ = std::move(text);
+    }
+    out_.flush();
+  }
+
+  void say(const std::string& line) {
+    if (asJSON_) return;
+    out_.write(line + "\n");
+    out_.flush();
+  }
+
+private:
+  bool asJSON_;
+  Output& out_;
+  std::string lastText_;
+};
+
+/// Stops at the context's stop and when the time is over, whichever is first.
+class HoldEnd {
+public:
+  HoldEnd(const HoldOptions& options, Context& context, const runtime::Executor& executor)
+      : observation_(context.stop.onStop([this] { source_.requestStop(); })) {
+    if (context.stop.stopRequested()) source_.requestStop();
+    if (options.seconds) {
+      runtime::start(executor, "the end of hold",
+                     stopAfter(context.clock, runtime::fromSeconds(*options.seconds), source_));
+    }
+  }
+  HoldEnd(const HoldEnd&) = delete;
+  HoldEnd& operator=(const HoldEnd&) = delete;
+  ~HoldEnd() { source_.requestStop(); } // So that nobody waits for the time any more.
+
+  [[nodiscard]] runtime::StopToken token() const { return source_.token(); }
+
+private:
+  static Async<void> stopAfter(runtime::Clock& clock, runtime::Duration span, runtime::StopSource source) {
+    co_await clock.sleep(span, source.token());
+    source.requestStop();
+  }
+
+  runtime::StopSource source_;
+  runtime::StopObservation observation_;
+};
+
+/// Holds until the end, or until the engine's watchdogs have given the fans back. True in the first case.
+Async<bool> holdUntil(runtime::StopToken end, helper::LocalFanController& controller, StateReport& report) {
+  while (const auto state = co_await controller.stateStream().next(end)) {
+    report.show(*state);
+    // The engine publishes in every round, so this is the heartbeat's timer, and costs no wake-up.
+    co_await controller.heartbeat();
+    if (!controller.isPlanInForce()) co_return false;
+  }
+  co_return true;
+}
+
+/// What cannot be said, on a terminal that was closed, keeps no fan from going back.
+void warn(Context& context, const std::string& text) {
+  try {
+    context.err.write("ventolithctl: " + text + "\n");
+    context.err.flush();
+  } catch (const OutputError&) {
+  }
+}
+
+/// Gives every fan back, and tells whether they are.
+Async<ControlResult> giveBack(helper::LocalFanController& controller, Context& context) {
+  for (int attempt = 1;; ++attempt) {
+    ControlResult result = co_await controller.automatic();
+    if (result == ControlResult::applied || attempt == releaseAttempts) co_return result;
+    warn(context, result.text() + "; trying again");
+    co_await context.clock.sleep(releaseAttemptInterval, runtime::StopToken());
+  }
+}
+
+Async<ExitStatus> holdPlan(const core::FanControlPlan& plan, const HoldOptions& options, Context& context,
+                           helper::LocalFanController& controller, StateReport& report) {
+  if (const auto error = co_await controller.restoreAllFansToAutomatic()) warn(context, *error);
+  HoldEnd end(options, context, co_await boost::asio::this_coro::executor);
+  const ControlResult result = co_await controller.applyPlan(plan);
+  if (result != ControlResult::applied) warn(context, result.text());
+  const bool holdsNothing = controller.currentState().perFanMode.empty();
+  if (std::holds_alternative<ControlResult::Failed>(result.value) && holdsNothing)
+    co_return ExitStatus::failed;
+  co_return co_await holdUntil(end.token(), controller, report) ? ExitStatus::done : ExitStatus::failed;
+}
+
+/// The controller, which keeps its machine: a pass or a retry that is under way when the command ends is
+/// still about both.
+std::shared_ptr<helper::LocalFanController>
+makeController(const runtime::Executor& executor, Context& context, std::shared_ptr<MachineReader> machine) {
+  auto& reader = *machine;
+  const auto keepMachine = [machine = std::move(machine)](const helper::LocalFanController* controller) {
+    delete controller;
+  };
+  return {new helper::LocalFanController(executor, context.clock, reader.smc(), reader.reader(),
+                                         reader.privileges()),
+          keepMachine};
+}
+
+Async<ExitStatus> hold(HoldOptions options, Context& context) {
+  const core::FanControlPlan plan = readPlanFile(options.plan);
+  const std::shared_ptr<MachineReader> machine = co_await MachineReader::open(context);
+  if (!machine->privileges().mayControlFans()) {
+    throw MachineError(
+        fmt::format("{}: not privileged: its fans can be controlled by root alone", machine->machineName()));
+  }
+  const auto controller = makeController(co_await boost::asio::this_coro::executor, context, machine);
+  StateReport report(options, context.out);
+
+  // Whatever happens from here on, a full disk behind the output included, the fans go back.
+  auto status = ExitStatus::failed;
+  std::exception_ptr failure;
+  try {
+    status = co_await holdPlan(plan, options, context, *controller, report);
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  const ControlResult result = co_await giveBack(*controller, context);
+  const bool isEveryFanBack = result == ControlResult::applied;
+  if (!isEveryFanBack) {
+    warn(context, fmt::format("{}: not every fan is back: {}", machine->machineName(), result.text()));
+  }
+  if (failure) std::rethrow_exception(failure);
+  while (const auto state = controller->stateStream().tryNext())
+    report.show(*state);
+  if (!isEveryFanBack) co_return ExitStatus::failed;
+  report.say("every fan is back with the firmware");
+  co_return status;
+}
+
+} // namespace
+
+void addHold(CLI::App& app, Context& context) {
+  auto* command = app.add_subcommand("hold", "Hold the fans by a plan until Ctrl-C, then give them back");
+  const auto options = std::make_shared<HoldOptions>();
+  command->add_option("--plan", options->plan, "The plan, a JSON file")->required();
+  command->add_option("--seconds", options->seconds, "End after so long; else at SIGINT, SIGTERM or SIGHUP")
+      ->check(CLI::Range(0.0, 1e9));
+  command->add_flag("--json", options->asJSON, "Each state of the controller as a JSON line");
+  command->footer(
+      "Ends with 0 only when every fan is back with the firmware. Ends with 3, the fans given back, when a\n"
+      "watchdog had to release them: at 95 °C, and when two readings in a row give no temperature.");
+  command->callback([&context, options] {
+    context.mustFinish = true;
+    context.command = [&context, options] { return hold(*options, context); };
+  });
+}
+
+} // namespace ventolith::ctl

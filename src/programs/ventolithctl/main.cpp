@@ -1,0 +1,58 @@
+// `ventolithctl`: the command line of Ventolith, which needs no window and no helper.
+#include "platform/system/ElapsedTime.h"
+#include "programs/common/MachineSelection.h"
+#include "programs/ventolithctl/CommandLine.h"
+#include "runtime/AsioClock.h"
+
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/signal_set.hpp>
+
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+
+using namespace ventolith;
+
+namespace {
+
+bool isIgnored(int signal) {
+  struct sigaction action = {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+  std::signal(SIGPIPE, SIG_IGN); // A reader that went away is a write that fails, and no sudden end.
+  boost::asio::io_context executor(1);
+  runtime::AsioClock clock(platform::elapsedTime);
+  runtime::StopSource stop;
+  ctl::StreamOutput out(stdout, "standard output", programs::processEnvironment);
+  ctl::StreamOutput err(stderr, "standard error", programs::processEnvironment);
+  ctl::Context context{
+      .in = std::cin,
+      .out = out,
+      .err = err,
+      .clock = clock,
+      .stop = stop.token(),
+      .selectMachine = [&clock] { return programs::selectMachine(programs::processEnvironment, clock); }};
+
+  // The first signal asks, so that the command leaves the terminal and the fans as it found them. A second
+  // one ends it, unless there are fans to give back.
+  boost::asio::signal_set signals(executor, SIGINT, SIGTERM);
+  if (!isIgnored(SIGHUP)) signals.add(SIGHUP);
+  signals.async_wait([&](const boost::system::error_code& error, int) {
+    if (error) return;
+    stop.requestStop();
+    if (!context.mustFinish) signals.clear();
+  });
+
+  auto status = ctl::ExitStatus::failed;
+  const auto run = [&]() -> runtime::Async<void> {
+    status = co_await ctl::runCommandLine({arguments + 1, arguments + argumentCount}, context);
+    executor.stop(); // Nothing is left to wait for, not even a fan that refuses to go back.
+  };
+  runtime::start(executor.get_executor(), "ventolithctl", run());
+  executor.run();
+  return static_cast<int>(status);
+}
