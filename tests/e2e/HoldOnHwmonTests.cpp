@@ -155,17 +155,25 @@ TEST(Hold, ASignalWhileTheFansAreBeingTakenGivesThemBack) {
   EXPECT_EQ(filesOf(tree, macBookBack), macBookBack);
 }
 
+/// Holds, and is killed.
+void holdAndDie(const HwmonTree& tree, const std::map<int, int>& rpm) {
+  Hold hold(tree.environment(), rpm);
+  hold.waitUntilHolding();
+  hold.signal(SIGKILL);
+  ASSERT_EQ(hold.wait().status, 128 + SIGKILL);
+}
+
 // Output that nobody takes
 
 void expectBackAfterAFailure(const HwmonTree& tree, const Ended& ended) {
   EXPECT_EQ(ended.status, 3);
-  EXPECT_EQ(tree.text("hwmon0/device/fan1_output"), "3000"); // They were held.
   EXPECT_EQ(filesOf(tree, macBookBack), macBookBack);
   EXPECT_FALSE(tree.hasClaims());
 }
 
 TEST(Hold, GivesTheFansBackWhenNobodyReadsWhatItSays) {
   const HwmonTree tree(macBook);
+  holdAndDie(tree, bothFans); // So that there are fans to give back from the first.
   Hold hold(tree.environment(), bothFans, {}, {.isOutBroken = true});
   const Ended ended = hold.wait();
   expectBackAfterAFailure(tree, ended);
@@ -174,19 +182,12 @@ TEST(Hold, GivesTheFansBackWhenNobodyReadsWhatItSays) {
 
 TEST(Hold, GivesTheFansBackWhenNobodyReadsItsErrorsEither) {
   const HwmonTree tree(macBook);
+  holdAndDie(tree, bothFans);
   Hold hold(tree.environment(), bothFans, {}, {.isOutBroken = true, .isErrBroken = true});
   expectBackAfterAFailure(tree, hold.wait());
 }
 
 // After a run that was killed
-
-/// Holds, and is killed.
-void holdAndDie(const HwmonTree& tree, const std::map<int, int>& rpm) {
-  Hold hold(tree.environment(), rpm);
-  hold.waitUntilHolding();
-  hold.signal(SIGKILL);
-  ASSERT_EQ(hold.wait().status, 128 + SIGKILL);
-}
 
 TEST(HoldThatWasKilled, LeavesTheFansHeldAndTheClaimsOnRecord) {
   const HwmonTree tree(macBook);

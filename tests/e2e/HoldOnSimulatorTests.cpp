@@ -272,6 +272,29 @@ TEST(HoldOnSimulator, EndsRightAwayWhereNoFanOfThePlanHasAModeKey) {
   EXPECT_EQ(simulator.lastWrite("F0Tg"), std::nullopt);
 }
 
+TEST(HoldOnSimulator, GivesTheFansBackInTheMiddleOfAClaimThatGetsNowhere) {
+  const Simulator simulator(quickMacBookPro());
+  simulator.send(R"({"refuse":{"F0Md":130}})"); // "Not yet", for ever.
+  Hold hold(simulator.environment(), oneFan);
+  const auto attempts = [&] {
+    return std::ranges::count_if(simulator.journal(), [](const JournalLine& line) {
+      return line.operation == "write" && line.key == "F0Md" && line.bytes == "01";
+    });
+  };
+  waitUntil("a claim under way", [&] { return attempts() > 3; });
+  const auto place = simulator.journal().size();
+  hold.signal(SIGTERM);
+  waitUntil("a try to give the fan back", [&] {
+    return std::ranges::any_of(since(place, simulator), [](const JournalLine& line) {
+      return line.operation == "write" && line.key == "F0Md" && line.bytes == "00";
+    });
+  });
+  simulator.send(R"({"refuse":{"F0Md":null}})");
+  EXPECT_EQ(hold.wait().status, 0);
+  expectEveryFanBack(simulator);
+  EXPECT_LT(attempts(), 100); // The claim was not waited for: its budget is a hundred attempts.
+}
+
 // Fans that do not come back
 
 struct Obstacle {

@@ -56,11 +56,10 @@ Async<std::optional<std::string>> LocalFanController::resolveModeKey(FanID fan) 
 }
 
 /// `applied`, `timedOut` after 10 seconds, or `rejected` with the code of the fifth identical refusal in
-/// a row. With an expected release generation it stands down with `reclaimed` once that has passed: no
-/// manual mode is written after the fans were handed back.
-Async<ControlResult> LocalFanController::claimManualMode(std::string modeKey,
-                                                         std::optional<Generation> expected) {
-  const auto isHandedBack = [this, expected] { return expected && *expected != releaseGeneration_; };
+/// a row. It stands down with `reclaimed` once the release generation has passed: no manual mode is written
+/// after the fans were handed back.
+Async<ControlResult> LocalFanController::claimManualMode(std::string modeKey, Generation generation) {
+  const auto isHandedBack = [this, generation] { return generation != releaseGeneration_; };
 
   const auto first = co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
   if (isHandedBack()) co_return ControlResult::reclaimed;

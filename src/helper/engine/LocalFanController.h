@@ -53,7 +53,8 @@ public:
 
   /// The one road into control: gives back the fans that left the plan, claims those that entered it,
   /// starts the hold loop and runs a first pass. Claiming takes up to 10 seconds a fan. The last failure
-  /// is the result; fans that were claimed stay claimed even so. notPrivileged changes nothing.
+  /// is the result; fans that were claimed stay claimed even so. notPrivileged changes nothing; reclaimed
+  /// says that the fans were given back, by a command or a watchdog, while they were being claimed.
   runtime::Async<core::ControlResult> applyPlan(core::FanControlPlan plan) override;
 
   /// Gives every fan back. A fan that refuses is retried every 2 seconds until it is back or a newer
@@ -90,8 +91,7 @@ private:
 
   // Taking a fan out of firmware control: FanClaim.cpp
   runtime::Async<std::optional<std::string>> resolveModeKey(core::FanID fan);
-  runtime::Async<core::ControlResult> claimManualMode(std::string modeKey,
-                                                      std::optional<Generation> expected);
+  runtime::Async<core::ControlResult> claimManualMode(std::string modeKey, Generation generation);
 
   // Applying and asserting a plan: PlanAssertion.cpp
   runtime::Async<core::ControlResult> applyPlanNow(core::FanControlPlan plan);

@@ -55,6 +55,7 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
 
 /// The last failure wins; fans that were claimed stay claimed even when a later one fails.
 Async<ControlResult> LocalFanController::claimFansOf(const FanControlPlan& plan) {
+  const Generation generation = releaseGeneration_;
   ControlResult result = ControlResult::applied;
   for (const FanPlan& entry : plan.fans) {
     if (entry.mode.isAutomatic() || claimedFans_.contains(entry.fanID)) continue;
@@ -63,7 +64,7 @@ Async<ControlResult> LocalFanController::claimFansOf(const FanControlPlan& plan)
       result = ControlResult::failed("neither F<n>Md nor F<n>md exists on this machine");
       continue;
     }
-    const ControlResult claim = co_await claimManualMode(*modeKey, std::nullopt);
+    const ControlResult claim = co_await claimManualMode(*modeKey, generation);
     if (claim == ControlResult::applied) {
       enterClaimed(entry.fanID, plan);
     } else {

@@ -8,8 +8,10 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace ventolith::ctl {
 
@@ -97,17 +99,6 @@ private:
   runtime::StopObservation observation_;
 };
 
-/// Holds until the end, or until the engine's watchdogs have given the fans back. True in the first case.
-Async<bool> holdUntil(runtime::StopToken end, helper::LocalFanController& controller, StateReport& report) {
-  while (const auto state = co_await controller.stateStream().next(end)) {
-    report.show(*state);
-    // The engine publishes in every round, so this is the heartbeat's timer, and costs no wake-up.
-    co_await controller.heartbeat();
-    if (!controller.isPlanInForce()) co_return false;
-  }
-  co_return true;
-}
-
 /// What cannot be said, on a terminal that was closed, keeps no fan from going back.
 void warn(Context& context, const std::string& text) {
   try {
@@ -127,29 +118,58 @@ Async<ControlResult> giveBack(helper::LocalFanController& controller, Context& c
   }
 }
 
+bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan) {
+  return std::all_of(plan.fans.begin(), plan.fans.end(),
+                     [](const core::FanPlan& entry) { return entry.mode.isAutomatic(); });
+}
+
+using PendingResult = std::shared_ptr<std::optional<ControlResult>>;
+
+/// Claiming takes up to 10 seconds a fan, for which a signal does not wait.
+Async<void> applyInBackground(std::shared_ptr<helper::LocalFanController> controller, core::FanControlPlan plan,
+                              PendingResult result) {
+  *result = co_await controller->applyPlan(std::move(plan));
+}
+
+/// Holds until the end, or until the engine's watchdogs have given the fans back.
 Async<ExitStatus> holdPlan(const core::FanControlPlan& plan, const HoldOptions& options, Context& context,
-                           helper::LocalFanController& controller, StateReport& report) {
-  if (const auto error = co_await controller.restoreAllFansToAutomatic()) warn(context, *error);
-  HoldEnd end(options, context, co_await boost::asio::this_coro::executor);
-  const ControlResult result = co_await controller.applyPlan(plan);
-  if (result != ControlResult::applied) warn(context, result.text());
-  const bool holdsNothing = controller.currentState().perFanMode.empty();
-  if (std::holds_alternative<ControlResult::Failed>(result.value) && holdsNothing)
-    co_return ExitStatus::failed;
-  co_return co_await holdUntil(end.token(), controller, report) ? ExitStatus::done : ExitStatus::failed;
+                           std::shared_ptr<helper::LocalFanController> controller, StateReport& report) {
+  if (const auto error = co_await controller->restoreAllFansToAutomatic()) warn(context, *error);
+  if (leavesEveryFanToTheFirmware(plan)) {
+    report.say("the plan leaves every fan to the firmware: there is nothing to hold");
+    co_return ExitStatus::done;
+  }
+  const runtime::Executor executor = co_await boost::asio::this_coro::executor;
+  const HoldEnd end(options, context, executor);
+  const auto result = std::make_shared<std::optional<ControlResult>>();
+  runtime::start(executor, "the plan's application", applyInBackground(controller, plan, result));
+
+  bool wasInForce = false;
+  bool isReported = false;
+  while (const auto state = co_await controller->stateStream().next(end.token())) {
+    report.show(*state);
+    // The engine publishes in every round, so this is the heartbeat's timer, and costs no wake-up.
+    co_await controller->heartbeat();
+    if (wasInForce && !controller->isPlanInForce()) co_return ExitStatus::failed; // By a watchdog.
+    wasInForce = controller->isPlanInForce();
+    if (!*result || std::exchange(isReported, true) || **result == ControlResult::applied) continue;
+    warn(context, (*result)->text());
+    const bool holdsNothing = controller->currentState().perFanMode.empty();
+    if (holdsNothing && std::holds_alternative<ControlResult::Failed>((*result)->value))
+      co_return ExitStatus::failed;
+  }
+  co_return ExitStatus::done;
 }
 
 /// The controller, which keeps its machine: a pass or a retry that is under way when the command ends is
 /// still about both.
 std::shared_ptr<helper::LocalFanController>
 makeController(const runtime::Executor& executor, Context& context, std::shared_ptr<MachineReader> machine) {
-  auto& reader = *machine;
-  const auto keepMachine = [machine = std::move(machine)](const helper::LocalFanController* controller) {
-    delete controller;
-  };
-  return {new helper::LocalFanController(executor, context.clock, reader.smc(), reader.reader(),
-                                         reader.privileges()),
-          keepMachine};
+  auto controller = std::make_unique<helper::LocalFanController>(executor, context.clock, machine->smc(),
+                                                                 machine->reader(), machine->privileges());
+  return {controller.release(), [machine = std::move(machine)](helper::LocalFanController* owned) {
+            std::default_delete<helper::LocalFanController>()(owned);
+          }};
 }
 
 Async<ExitStatus> hold(HoldOptions options, Context& context) {
@@ -166,7 +186,7 @@ Async<ExitStatus> hold(HoldOptions options, Context& context) {
   auto status = ExitStatus::failed;
   std::exception_ptr failure;
   try {
-    status = co_await holdPlan(plan, options, context, *controller, report);
+    status = co_await holdPlan(plan, options, context, controller, report);
   } catch (...) {
     failure = std::current_exception();
   }

@@ -54,6 +54,8 @@ public:
     for (std::size_t place = 0; place < plan_.rules.size(); ++place)
       inspectRule(place);
     inspectTuning();
+    if (holdsNothing() && !plan_.rules.empty())
+      warn("fans", "every fan is left to the firmware, so nothing is held and no rule ever acts");
     return std::move(warnings_);
   }
 
@@ -150,6 +152,11 @@ private:
   [[nodiscard]] bool isListed(FanID fan) const {
     return std::any_of(plan_.fans.begin(), plan_.fans.end(),
                        [fan](const FanPlan& entry) { return entry.fanID == fan; });
+  }
+
+  [[nodiscard]] bool holdsNothing() const {
+    return std::all_of(plan_.fans.begin(), plan_.fans.end(),
+                       [](const FanPlan& entry) { return entry.mode.isAutomatic(); });
   }
 
   void inspectTuning() {

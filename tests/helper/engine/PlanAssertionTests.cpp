@@ -176,14 +176,17 @@ TEST_F(PlanAssertionTest, APlanThatOvertakesAClaimIsTheOneThatHolds) {
   EXPECT_EQ(state().targets.at(0), 5000);
 }
 
-TEST_F(PlanAssertionTest, AutomaticDuringAClaimEndsWithTheFanAtTheFirmware) {
+TEST_F(PlanAssertionTest, AutomaticDuringAClaimMakesItStandDown) {
   smc.refuseForEver("F0Md=1", 0x82);
   const auto claiming = begin(controller->applyPlan(fixed({{0, 3000}})));
   pass(2);
   EXPECT_EQ(run(controller->automatic()), ControlResult::applied);
+  const auto attempts = smc.count("F0Md=1");
   smc.acceptAll();
   pass(10);
   ASSERT_TRUE(claiming->has_value());
+  EXPECT_EQ(**claiming, ControlResult::reclaimed);
+  EXPECT_EQ(smc.count("F0Md=1"), attempts);
   const auto writes = smc.writes();
   const auto lastMode = std::find_if(writes.rbegin(), writes.rend(),
                                      [](const std::string& write) { return write.starts_with("F0Md="); });
