@@ -41,7 +41,7 @@ std::string digits(std::string_view label) {
 
 std::string withoutWord(std::string text, std::string_view lowerWord) {
   for (auto place = lowerCase(text).find(lowerWord); place != std::string::npos;
-       place = lowerCase(text).find(lowerWord)) {
+       place = lowerCase(text).find(lowerWord, place)) {
     text.erase(place, lowerWord.size());
   }
   return text;

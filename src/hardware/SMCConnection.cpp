@@ -13,9 +13,10 @@ using Selector = SMCParamStruct::Selector;
 namespace {
 
 constexpr auto success = static_cast<std::uint8_t>(SMCParamStruct::ResultCode::success);
+constexpr auto keyNotFound = static_cast<std::uint8_t>(SMCParamStruct::ResultCode::keyNotFound);
+
 // Macs have some two thousand keys; an SMC that claims more than this is broken, and is not asked for ever.
 constexpr std::int64_t mostKeys = 65536;
-constexpr auto keyNotFound = static_cast<std::uint8_t>(SMCParamStruct::ResultCode::keyNotFound);
 
 SMCParamStruct request(Selector selector) {
   SMCParamStruct block;

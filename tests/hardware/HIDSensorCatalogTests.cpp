@@ -73,6 +73,7 @@ TEST(HIDSensorCatalog, ALabelOfNothingButNoiseWordsIsTheCategoryAlone) {
   EXPECT_EQ(HIDSensorCatalog::cleaned("temp", "GPU"), "GPU");
   EXPECT_EQ(HIDSensorCatalog::cleaned(" PMU Temp ", "CPU"), "CPU");
   EXPECT_EQ(HIDSensorCatalog::cleaned("PMU tdie1", "CPU"), "CPU (tdie1)");
+  EXPECT_EQ(HIDSensorCatalog::cleaned("tetempmp", "GPU"), "GPU (temp)"); // What a removal forms stays.
 }
 
 TEST(HIDSensorCatalog, ALabelWithGPUAndBatteryIsABatterySensor) {

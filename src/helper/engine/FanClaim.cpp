@@ -16,7 +16,7 @@ namespace {
 
 constexpr runtime::Duration claimBudget = std::chrono::seconds(10);
 constexpr runtime::Duration claimInterval = std::chrono::milliseconds(100);
-constexpr int attemptsPerLatch = 20;  // The latch is rewritten with every so-manieth attempt.
+constexpr int attemptsPerLatch = 20;  // The latch is rewritten with every twentieth attempt.
 constexpr int identicalRefusals = 5;  // So many in a row end the claim.
 constexpr std::uint8_t notYet = 0x82; // The SMC's answer while the latch takes hold: no refusal at all.
 constexpr std::uint8_t driverFailed = 255;
@@ -61,6 +61,7 @@ Async<std::optional<std::string>> LocalFanController::resolveModeKey(FanID fan) 
 Async<ControlResult> LocalFanController::claimManualMode(std::string modeKey, Generation generation) {
   const auto isHandedBack = [this, generation] { return generation != releaseGeneration_; };
 
+  if (isHandedBack()) co_return ControlResult::reclaimed;
   const auto first = co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
   if (isHandedBack()) co_return ControlResult::reclaimed;
   if (first && *first == 0) co_return ControlResult::applied;

@@ -4,7 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace ventolith::helper {
@@ -15,7 +14,8 @@ using runtime::Async;
 void LocalFanController::ensureHoldLoopRunning() {
   if (holdTask_) return;
   holdTask_.emplace();
-  runtime::start(serial_.executor(), "the hold loop", startedHoldLoop(weak_from_this(), holdTask_->token()));
+  runtime::start(serial_.executor(), "the hold loop",
+                 startedHoldLoop(shared_from_this(), holdTask_->token()));
 }
 
 /// Holds the controller weakly until it first runs.
@@ -29,17 +29,17 @@ Async<void> LocalFanController::holdLoop(runtime::StopToken stop) {
     co_await clock_.sleep(holdPeriod, stop);
     const bool hasNothingToHold = claimedFans_.empty() && monitoredFans_.empty();
     if (stop.stopRequested() || hasNothingToHold) break;
-    if (co_await holdRound() == Round::endsTheLoop) break;
+    if (co_await holdRound(stop) == Round::endsTheLoop) break;
   }
-  // Unconditionally, even where the field has come to name a newer loop: each loop ends by itself when
-  // there is nothing left to hold.
-  holdTask_.reset();
+  // Whoever stops the loop has cleared the field, which may name a newer loop by now.
+  if (!stop.stopRequested()) holdTask_.reset();
 }
 
 /// One round after its sleep: the watchdogs, then one pass. The ceiling comes before the heartbeat, so
 /// that a hot machine reports heat, and both come before any write of the round.
-Async<LocalFanController::Round> LocalFanController::holdRound() {
+Async<LocalFanController::Round> LocalFanController::holdRound(runtime::StopToken stop) {
   auto snapshot = co_await sensors_.snapshot();
+  if (stop.stopRequested()) co_return Round::endsTheLoop; // The fans were given back, and that was reported.
   if (snapshot.temps.empty()) {
     if (++consecutiveMissingTemperatureSnapshots_ >= missingTemperatureLimit) {
       co_return co_await releaseSequence("temperature data unavailable — released to Auto");
@@ -50,7 +50,8 @@ Async<LocalFanController::Round> LocalFanController::holdRound() {
   }
   consecutiveMissingTemperatureSnapshots_ = 0;
   if (auto message = watchdogMessage(snapshot)) co_return co_await releaseSequence(std::move(*message));
-  co_return reportPass(co_await assertPlanOnce(activePlan_, std::move(snapshot), clock_.now()));
+  const auto reclaimed = co_await assertPlanOnce(activePlan_, std::move(snapshot), clock_.now());
+  co_return stop.stopRequested() ? Round::endsTheLoop : reportPass(reclaimed);
 }
 
 /// Why every fan has to be given back now; none if all is well. The snapshot has temperatures.
@@ -70,7 +71,7 @@ LocalFanController::watchdogMessage(const core::SensorSnapshot& snapshot) const 
 Async<LocalFanController::Round> LocalFanController::releaseSequence(std::string message) {
   activePlan_ = core::FanControlPlan::allAutomatic;
   evaluator_.reset();
-  if (auto error = co_await releaseAllToAuto(std::nullopt)) {
+  if (auto error = co_await releaseAllToAuto(directCommand)) {
     publishState(!claimedFans_.empty(), std::move(error)); // Worse than the watchdog's own message.
   } else {
     publishState(false, std::move(message));
@@ -88,9 +89,7 @@ LocalFanController::Round LocalFanController::reportPass(const std::vector<FanID
     return Round::goesOn;
   }
   // The fans stay claimed and the next pass reasserts them; not holding says that the hold did not stick.
-  auto fans = reclaimed;
-  std::sort(fans.begin(), fans.end());
-  publishState(false, fmt::format("reclaimed: fan(s) [{}] reverted to mode 3", fmt::join(fans, ", ")));
+  publishState(false, fmt::format("reclaimed: fan(s) [{}] reverted to mode 3", fmt::join(reclaimed, ", ")));
   return Round::goesOn;
 }
 

@@ -29,36 +29,36 @@ LocalFanController::LocalFanController(const runtime::Executor& executor, runtim
       privileges_(privileges) {}
 
 Async<ControlResult> LocalFanController::setManual(FanID fan, std::int64_t rpm) {
-  return serial_.run(applyToOneFan(fan, FanControlModePlan::fixedRPM(static_cast<double>(rpm))));
+  return run(applyToOneFan(fan, FanControlModePlan::fixedRPM(static_cast<double>(rpm))));
 }
 
 Async<ControlResult> LocalFanController::setPercent(FanID fan, double percent) {
   if (!std::isfinite(percent)) co_return ControlResult::failed("the percentage is not a finite number");
-  co_return co_await serial_.run(applyToOneFan(fan, FanControlModePlan::fixedPercent(percent)));
+  co_return co_await run(applyToOneFan(fan, FanControlModePlan::fixedPercent(percent)));
 }
 
 Async<ControlResult> LocalFanController::fullBlast() {
-  return serial_.run(applyFullBlast());
+  return run(applyFullBlast());
 }
 
 Async<ControlResult> LocalFanController::applyPlan(FanControlPlan plan) {
-  return serial_.run(applyPlanNow(std::move(plan)));
+  return run(applyPlanNow(std::move(plan)));
 }
 
 Async<ControlResult> LocalFanController::automatic() {
-  return serial_.run(automaticNow());
+  return run(automaticNow());
 }
 
 Async<void> LocalFanController::restoreAuto() {
-  return serial_.run(restoreAutoNow());
+  return run(restoreAutoNow());
 }
 
 Async<void> LocalFanController::heartbeat() {
-  return serial_.run(noteHeartbeat());
+  return run(noteHeartbeat());
 }
 
 Async<std::optional<std::string>> LocalFanController::restoreAllFansToAutomatic() {
-  return serial_.run(recoverAtStart());
+  return run(recoverAtStart());
 }
 
 Async<ControlResult> LocalFanController::applyToOneFan(FanID fan, FanControlModePlan mode) {
@@ -84,7 +84,7 @@ Async<LocalFanController::ErrorText> LocalFanController::recoverAtStart() {
   // A release reaches the fans whose mode key is known, and this process knows none yet.
   for (FanID fan = 0; fan < *count; ++fan)
     co_await resolveModeKey(fan);
-  co_return co_await releaseAllToAuto(std::nullopt);
+  co_return co_await releaseAllToAuto(directCommand);
 }
 
 Async<void> LocalFanController::noteHeartbeat() {

@@ -20,9 +20,9 @@
 
 namespace ventolith::helper {
 
-/// A single-threaded owner, one a process, held by a shared_ptr. Its operations suspend at every SMC and
-/// sensor call, so that others of its operations can run between two steps of one; two generation
-/// counters keep work that has become stale from acting.
+/// A single-threaded owner, one a process, always held by a shared_ptr, which its loops share while they run.
+/// Its operations suspend at every SMC and sensor call, so that others of its operations can run between two
+/// steps of one; two generation counters keep work that has become stale from acting.
 ///
 /// Nobody but this object's stream reader keeps the stream short: whoever makes a controller for long
 /// reads `stateStream`, or drains it.
@@ -36,7 +36,8 @@ public:
   static constexpr runtime::Duration releaseRetryPeriod = std::chrono::seconds(2);
 
   /// Writes through `smc` and reads through `sensors`, both given open; `privileges` says whether this
-  /// process may write at all. All of them outlive the controller.
+  /// process may write at all. All of them outlive
+  /// the controller, its loops included.
   LocalFanController(const runtime::Executor& executor, runtime::Clock& clock, hardware::SMCWriting& smc,
                      hardware::SensorReading& sensors, const hardware::Privileges& privileges);
 
@@ -81,7 +82,16 @@ private:
   using ErrorText = std::optional<std::string>;
   using WriteResult = hardware::SMCResult<std::uint8_t>;
 
+  /// Of a release that is a command, or a watchdog's, and no retry.
+  static constexpr std::optional<Generation> directCommand = std::nullopt;
+
   // Commands and state: LocalFanController.cpp
+  /// Runs `work` on this object's executor, and keeps the object until it is done.
+  template <class Result>
+  runtime::Async<Result> run(runtime::Async<Result> work) {
+    const auto self = shared_from_this();
+    co_return co_await serial_.run(std::move(work));
+  }
   runtime::Async<core::ControlResult> applyToOneFan(core::FanID fan, core::FanControlModePlan mode);
   runtime::Async<core::ControlResult> applyFullBlast();
   runtime::Async<ErrorText> recoverAtStart();
@@ -95,15 +105,16 @@ private:
 
   // Applying and asserting a plan: PlanAssertion.cpp
   runtime::Async<core::ControlResult> applyPlanNow(core::FanControlPlan plan);
-  runtime::Async<core::ControlResult> claimFansOf(const core::FanControlPlan& plan);
+  runtime::Async<core::ControlResult> claimPlannedFans(const core::FanControlPlan& plan,
+                                                       Generation generation);
   runtime::Async<std::vector<core::FanID>>
   assertPlanOnce(core::FanControlPlan plan, core::SensorSnapshot snapshot, runtime::Instant now);
   runtime::Async<bool> releaseFansOf(const core::FanHoldActions& actions, Generation generation);
-  runtime::Async<bool> claimFansOf(const core::FanHoldActions& actions, const core::FanControlPlan& plan,
-                                   Generation generation);
+  runtime::Async<bool> claimWantedFans(const core::FanHoldActions& actions, const core::FanControlPlan& plan,
+                                       Generation generation);
   runtime::Async<std::optional<std::vector<core::FanID>>> holdTargetsOf(const core::FanHoldActions& actions,
                                                                         Generation generation);
-  void enterClaimed(core::FanID fan, const core::FanControlPlan& plan);
+  void enterClaimed(core::FanID fan, const core::FanControlModePlan* mode);
 
   // The periodic loop and its watchdogs: HoldLoop.cpp
   enum class Round { goesOn, endsTheLoop };
@@ -111,7 +122,7 @@ private:
   static runtime::Async<void> startedHoldLoop(std::weak_ptr<LocalFanController> controller,
                                               runtime::StopToken stop);
   runtime::Async<void> holdLoop(runtime::StopToken stop);
-  runtime::Async<Round> holdRound();
+  runtime::Async<Round> holdRound(runtime::StopToken stop);
   ErrorText watchdogMessage(const core::SensorSnapshot& snapshot) const;
   runtime::Async<Round> releaseSequence(std::string message);
   Round reportPass(const std::vector<core::FanID>& reclaimed);
@@ -122,9 +133,10 @@ private:
   runtime::Async<ErrorText> giveBackByCommand();
   runtime::Async<ErrorText> releaseAllToAuto(std::optional<Generation> expectedRetryGeneration);
   runtime::Async<ErrorText> releasePendingAutoFans(std::optional<Generation> expectedRetryGeneration);
-  runtime::Async<std::optional<std::string>> giveBack(const std::string& key);
+  runtime::Async<ErrorText> writeZero(std::string key);
   [[nodiscard]] bool isStale(std::optional<Generation> expectedRetryGeneration) const;
   void settleRelease(const std::set<core::FanID>& failed);
+  void leaveToNewerCommand(const std::set<core::FanID>& failed);
   void forgetHeld(core::FanID fan);
   void standDownRetry();
   void ensureReleaseRetryLoopRunning();

@@ -5,10 +5,12 @@
 #include "hardware/FanKeys.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace ventolith::helper {
 
 using core::ControlResult;
+using core::FanControlModePlan;
 using core::FanControlPlan;
 using core::FanHoldActions;
 using core::FanID;
@@ -26,6 +28,13 @@ std::set<FanID> controlledFans(const FanControlPlan& plan) {
   return fans;
 }
 
+/// The mode of the first entry of the fan; none if the plan does not list it.
+const FanControlModePlan* modeIn(const FanControlPlan& plan, FanID fan) {
+  const auto entry = std::find_if(plan.fans.begin(), plan.fans.end(),
+                                  [fan](const FanPlan& candidate) { return candidate.fanID == fan; });
+  return entry == plan.fans.end() ? nullptr : &entry->mode;
+}
+
 } // namespace
 
 Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
@@ -37,25 +46,29 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
   std::copy_if(claimedFans_.begin(), claimedFans_.end(),
                std::inserter(pendingAutoReleaseFans_, pendingAutoReleaseFans_.end()),
                [this](FanID fan) { return !monitoredFans_.contains(fan); });
-  if (auto error = co_await releasePendingAutoFans(std::nullopt)) publishState(true, std::move(error));
+  if (auto error = co_await releasePendingAutoFans(directCommand)) publishState(true, std::move(error));
 
-  const ControlResult result = co_await claimFansOf(plan);
+  // A release that runs from here on has the last word, and its own report.
+  const Generation generation = releaseGeneration_;
+  const ControlResult result = co_await claimPlannedFans(plan, generation);
+  if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
   if (claimedFans_.empty() && monitoredFans_.empty()) {
-    auto error = co_await releaseAllToAuto(std::nullopt);
+    auto error = co_await releaseAllToAuto(directCommand);
     co_return error ? ControlResult::failed(std::move(*error)) : result;
   }
   lastHeartbeat_ = clock_.now(); // A new plan counts as one.
   ensureHoldLoopRunning();
   auto snapshot = co_await sensors_.snapshot();
+  if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
   co_await assertPlanOnce(activePlan_, std::move(snapshot), clock_.now());
+  if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
   publishState(!claimedFans_.empty(),
                result == ControlResult::applied ? std::nullopt : ErrorText("applyPlan: " + result.text()));
   co_return result;
 }
 
 /// The last failure wins; fans that were claimed stay claimed even when a later one fails.
-Async<ControlResult> LocalFanController::claimFansOf(const FanControlPlan& plan) {
-  const Generation generation = releaseGeneration_;
+Async<ControlResult> LocalFanController::claimPlannedFans(const FanControlPlan& plan, Generation generation) {
   ControlResult result = ControlResult::applied;
   for (const FanPlan& entry : plan.fans) {
     if (entry.mode.isAutomatic() || claimedFans_.contains(entry.fanID)) continue;
@@ -66,7 +79,7 @@ Async<ControlResult> LocalFanController::claimFansOf(const FanControlPlan& plan)
     }
     const ControlResult claim = co_await claimManualMode(*modeKey, generation);
     if (claim == ControlResult::applied) {
-      enterClaimed(entry.fanID, plan);
+      enterClaimed(entry.fanID, &entry.mode);
     } else {
       result = claim;
     }
@@ -85,10 +98,11 @@ LocalFanController::assertPlanOnce(FanControlPlan plan, core::SensorSnapshot sna
   if (actions.forceTestEnabled) co_await smc_.writeUInt8(fankeys::forceTest, 1);
 
   if (!co_await releaseFansOf(actions, generation)) co_return std::vector<FanID>();
-  if (!co_await claimFansOf(actions, plan, generation)) co_return std::vector<FanID>();
+  if (!co_await claimWantedFans(actions, plan, generation)) co_return std::vector<FanID>();
   const auto reclaimed = co_await holdTargetsOf(actions, generation);
   if (!reclaimed) co_return std::vector<FanID>();
-  if (claimedFans_.empty() && !actions.forceTestEnabled) co_await smc_.writeUInt8(fankeys::forceTest, 0);
+  const bool isLatchIdle = claimedFans_.empty() && !actions.forceTestEnabled;
+  if (isLatchIdle && generation == releaseGeneration_) co_await smc_.writeUInt8(fankeys::forceTest, 0);
   co_return *reclaimed;
 }
 
@@ -105,13 +119,14 @@ Async<bool> LocalFanController::releaseFansOf(const FanHoldActions& actions, Gen
 }
 
 /// Takes over what is to be held; a failed claim is for the next pass. False once `generation` has passed.
-Async<bool> LocalFanController::claimFansOf(const FanHoldActions& actions, const FanControlPlan& plan,
-                                            Generation generation) {
+Async<bool> LocalFanController::claimWantedFans(const FanHoldActions& actions, const FanControlPlan& plan,
+                                                Generation generation) {
   for (const FanID fan : actions.toClaim) {
     if (generation != releaseGeneration_) co_return false;
     const auto modeKey = co_await resolveModeKey(fan);
     if (!modeKey) continue;
-    if (co_await claimManualMode(*modeKey, generation) == ControlResult::applied) enterClaimed(fan, plan);
+    if (co_await claimManualMode(*modeKey, generation) == ControlResult::applied)
+      enterClaimed(fan, modeIn(plan, fan));
   }
   co_return true;
 }
@@ -143,11 +158,9 @@ Async<std::optional<std::vector<FanID>>> LocalFanController::holdTargetsOf(const
   co_return reclaimed;
 }
 
-void LocalFanController::enterClaimed(FanID fan, const FanControlPlan& plan) {
+void LocalFanController::enterClaimed(FanID fan, const FanControlModePlan* mode) {
   claimedFans_.insert(fan);
-  const auto entry = std::find_if(plan.fans.begin(), plan.fans.end(),
-                                  [fan](const FanPlan& candidate) { return candidate.fanID == fan; });
-  if (entry != plan.fans.end()) perFanMode_.insert_or_assign(fan, core::controlMode(entry->mode));
+  if (mode != nullptr) perFanMode_.insert_or_assign(fan, core::controlMode(*mode));
 }
 
 } // namespace ventolith::helper

@@ -7,6 +7,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace ventolith::helper {
 
 using core::ControlResult;
@@ -44,7 +47,7 @@ Async<LocalFanController::ErrorText> LocalFanController::giveBackByCommand() {
   standDownRetry();
   activePlan_ = core::FanControlPlan::allAutomatic;
   evaluator_.reset();
-  co_return co_await releaseAllToAuto(std::nullopt);
+  co_return co_await releaseAllToAuto(directCommand);
 }
 
 /// A direct command has no expected generation and always runs. A retry gives up, without a text and
@@ -61,32 +64,36 @@ LocalFanController::releaseAllToAuto(std::optional<Generation> expectedRetryGene
   holdTask_.reset();
   ++releaseGeneration_;
 
+  const Generation command = releaseRetryGeneration_;
   co_await smc_.writeUInt8(fankeys::forceTest, 1);
   std::set<FanID> failed;
   std::vector<std::string> errors;
   const auto modeKeys = modeKeyCache_; // A copy: another operation may learn a key wherever this waits.
   for (const auto& [fan, modeKey] : modeKeys) {
     if (isStale(expectedRetryGeneration)) co_return std::nullopt;
-    if (auto error = co_await giveBack(modeKey)) {
+    if (auto error = co_await writeZero(modeKey)) {
       failed.insert(fan);
       errors.push_back(std::move(*error));
+    } else {
+      forgetHeld(fan);
     }
   }
   if (isStale(expectedRetryGeneration)) co_return std::nullopt;
-  if (failed.empty()) { // Else the latch stays set: the retry will need it.
-    auto error = co_await giveBack(fankeys::forceTest);
+  const bool isOvertaken = command != releaseRetryGeneration_;
+  if (failed.empty() && !isOvertaken) { // Else the latch stays set: the retry or the newer command needs it.
+    auto error = co_await writeZero(fankeys::forceTest);
     if (isStale(expectedRetryGeneration)) co_return std::nullopt;
     if (error) errors.push_back(std::move(*error));
   }
-  settleRelease(failed);
-  if (errors.empty()) {
-    publishState(false, std::nullopt);
-    co_return std::nullopt;
+  if (command == releaseRetryGeneration_) {
+    settleRelease(failed);
+    publishState(!claimedFans_.empty(), errors.empty() ? std::nullopt : ErrorText(joined(errors)));
+  } else {
+    leaveToNewerCommand(failed);
   }
-  const std::string text = joined(errors);
-  publishState(!claimedFans_.empty(), text);
+  if (errors.empty()) co_return std::nullopt;
   ensureReleaseRetryLoopRunning();
-  co_return text;
+  co_return joined(errors);
 }
 
 /// The narrower form, for fans that fell out of a plan while others are held: it neither publishes a
@@ -102,7 +109,7 @@ LocalFanController::releasePendingAutoFans(std::optional<Generation> expectedRet
     const auto cachedKey = modeKeyCache_.find(fan);
     if (cachedKey == modeKeyCache_.end()) continue;
     const std::string modeKey = cachedKey->second;
-    if (auto error = co_await giveBack(modeKey)) {
+    if (auto error = co_await writeZero(modeKey)) {
       errors.push_back(std::move(*error));
     } else {
       pendingAutoReleaseFans_.erase(fan);
@@ -114,11 +121,13 @@ LocalFanController::releasePendingAutoFans(std::optional<Generation> expectedRet
   co_return joined(errors);
 }
 
-/// Writes 0 to `key` and returns what that failed with.
-Async<std::optional<std::string>> LocalFanController::giveBack(const std::string& key) {
-  co_return failureText(key, co_await smc_.writeUInt8(key, fankeys::modeAutomatic));
+/// Writes 0 to a mode key or to the latch, and returns what that failed with.
+Async<LocalFanController::ErrorText> LocalFanController::writeZero(std::string key) {
+  const auto written = co_await smc_.writeUInt8(key, 0);
+  co_return failureText(key, written);
 }
 
+/// What a release leaves behind: the fans that refused, and nothing else.
 void LocalFanController::settleRelease(const std::set<FanID>& failed) {
   const auto isBack = [&failed](FanID fan) { return !failed.contains(fan); };
   std::erase_if(claimedFans_, isBack);
@@ -129,6 +138,14 @@ void LocalFanController::settleRelease(const std::set<FanID>& failed) {
   stoppedFans_.clear();
   lastHeartbeat_ = runtime::distantPast;
   consecutiveMissingTemperatureSnapshots_ = 0;
+}
+
+/// What a release leaves behind that a newer command has overtaken: plan, heartbeat and report are that
+/// command's own, and its fans too. Only what refused to go back and is not its to hold is still pending.
+void LocalFanController::leaveToNewerCommand(const std::set<FanID>& failed) {
+  std::copy_if(failed.begin(), failed.end(),
+               std::inserter(pendingAutoReleaseFans_, pendingAutoReleaseFans_.end()),
+               [this](FanID fan) { return !monitoredFans_.contains(fan); });
 }
 
 void LocalFanController::forgetHeld(FanID fan) {

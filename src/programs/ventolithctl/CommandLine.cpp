@@ -25,11 +25,13 @@ constexpr const char* footer = R"(Exit status:
   0  done
   1  check: the plan is valid, and there are warnings
   2  the command line, a plan or a trace is wrong
-  3  the machine cannot be reached, or something cannot be written
+  3  the machine cannot be reached, something cannot be written, or hold had to let go of the fans
 
 Environment:
   VENTOLITH_MACHINE  which machine: unset is this computer, simulated:NAME a simulated one,
                      socket:PATH a simulator that runs
+  VENTOLITH_HWMON_ROOT  where this computer's devices are looked for (/sys/class/hwmon)
+  VENTOLITH_STATE_DIR   where hold notes what it took, for the next start if it is killed
   NO_COLOR           set to anything: no colours)";
 
 /// The commands' parsers; one that recognises its name sets `context.command`.

@@ -45,8 +45,8 @@ struct Context {
   runtime::StopToken stop; // Requested by Ctrl-C.
   std::function<hardware::Machine()> selectMachine;
 
-  /// Set by a command that no second Ctrl-C may end: it has fans to give back.
-  bool mustFinish = false;
+  /// Called by a command that neither a second Ctrl-C may end nor Ctrl-Z stop: it has fans to give back.
+  std::function<void()> insistOnFinishing = [] {};
 
   /// What is to be run, as the command line was understood. Set by the chosen command's parser.
   std::function<runtime::Async<ExitStatus>()> command = {};

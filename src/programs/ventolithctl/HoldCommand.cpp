@@ -1,6 +1,8 @@
 #include "programs/ventolithctl/HoldCommand.h"
 
+#include "hardware/FanKeys.h"
 #include "helper/engine/LocalFanController.h"
+#include "programs/ventolithctl/DurationRange.h"
 #include "programs/ventolithctl/MachineReader.h"
 #include "programs/ventolithctl/PlanFile.h"
 #include "programs/ventolithctl/TextLayout.h"
@@ -9,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -45,31 +48,52 @@ std::string stateText(const ControlState& state) {
   return text;
 }
 
-/// Shows each state as a JSON line, or what has changed in words.
+/// Shows each state as a JSON line, or what has changed in words. It never waits for a reader while fans
+/// are held: what cannot be shown at once is kept, the newest of it at the least, and shown later.
 class StateReport {
 public:
   StateReport(const HoldOptions& options, Output& out) : asJSON_(options.asJSON), out_(out) {}
 
   void show(const ControlState& state) {
     if (asJSON_) {
-      out_.write(core::encode(state) + "\n");
+      add(core::encode(state));
     } else if (auto text = stateText(state); text != lastText_) {
-      out_.write(text + "\n");
+      add(text);
       lastText_ = std::move(text);
     }
-    out_.flush();
   }
 
   void say(const std::string& line) {
-    if (asJSON_) return;
-    out_.write(line + "\n");
-    out_.flush();
+    if (!asJSON_) add(line);
+  }
+
+  /// Shows all that is left, waiting for the reader.
+  void finish() {
+    while (!pending_.empty())
+      writeNext();
   }
 
 private:
+  static constexpr std::size_t mostPending = 256;
+
+  void add(const std::string& line) {
+    if (pending_.size() == mostPending) pending_.pop_front();
+    pending_.push_back(line + "\n");
+    while (!pending_.empty() && out_.isReady())
+      writeNext();
+  }
+
+  void writeNext() {
+    const std::string line = std::move(pending_.front());
+    pending_.pop_front();
+    out_.write(line);
+    out_.flush();
+  }
+
   bool asJSON_;
   Output& out_;
   std::string lastText_;
+  std::deque<std::string> pending_;
 };
 
 /// Stops at the context's stop and when the time is over, whichever is first.
@@ -99,8 +123,9 @@ private:
   runtime::StopObservation observation_;
 };
 
-/// What cannot be said, on a terminal that was closed, keeps no fan from going back.
+/// What cannot be said, on a terminal that was closed or paused, keeps no fan from going back.
 void warn(Context& context, const std::string& text) {
+  if (!context.err.isReady()) return;
   try {
     context.err.write("ventolithctl: " + text + "\n");
     context.err.flush();
@@ -118,6 +143,11 @@ Async<ControlResult> giveBack(helper::LocalFanController& controller, Context& c
   }
 }
 
+Async<bool> hasFans(hardware::SMCConnection& smc) {
+  const auto count = co_await smc.tryReadValue(hardware::fankeys::fanCount);
+  co_return count&& hardware::fankeys::fanCountOf(count->numeric()).value_or(0) > 0;
+}
+
 bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan) {
   return std::all_of(plan.fans.begin(), plan.fans.end(),
                      [](const core::FanPlan& entry) { return entry.mode.isAutomatic(); });
@@ -126,8 +156,8 @@ bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan) {
 using PendingResult = std::shared_ptr<std::optional<ControlResult>>;
 
 /// Claiming takes up to 10 seconds a fan, for which a signal does not wait.
-Async<void> applyInBackground(std::shared_ptr<helper::LocalFanController> controller, core::FanControlPlan plan,
-                              PendingResult result) {
+Async<void> applyInBackground(std::shared_ptr<helper::LocalFanController> controller,
+                              core::FanControlPlan plan, PendingResult result) {
   *result = co_await controller->applyPlan(std::move(plan));
 }
 
@@ -145,11 +175,13 @@ Async<ExitStatus> holdPlan(const core::FanControlPlan& plan, const HoldOptions& 
   runtime::start(executor, "the plan's application", applyInBackground(controller, plan, result));
 
   bool wasInForce = false;
+  bool wasHolding = false;
   bool isReported = false;
   while (const auto state = co_await controller->stateStream().next(end.token())) {
     report.show(*state);
     // The engine publishes in every round, so this is the heartbeat's timer, and costs no wake-up.
     co_await controller->heartbeat();
+    wasHolding = wasHolding || state->isHolding;
     if (wasInForce && !controller->isPlanInForce()) co_return ExitStatus::failed; // By a watchdog.
     wasInForce = controller->isPlanInForce();
     if (!*result || std::exchange(isReported, true) || **result == ControlResult::applied) continue;
@@ -158,7 +190,9 @@ Async<ExitStatus> holdPlan(const core::FanControlPlan& plan, const HoldOptions& 
     if (holdsNothing && std::holds_alternative<ControlResult::Failed>((*result)->value))
       co_return ExitStatus::failed;
   }
-  co_return ExitStatus::done;
+  if (wasHolding) co_return ExitStatus::done;
+  warn(context, "no fan was held" + (*result ? ": " + (*result)->text() : std::string(" yet")));
+  co_return ExitStatus::failed;
 }
 
 /// The controller, which keeps its machine: a pass or a retry that is under way when the command ends is
@@ -177,8 +211,11 @@ Async<ExitStatus> hold(HoldOptions options, Context& context) {
   const std::shared_ptr<MachineReader> machine = co_await MachineReader::open(context);
   if (!machine->privileges().mayControlFans()) {
     throw MachineError(
-        fmt::format("{}: not privileged: its fans can be controlled by root alone", machine->machineName()));
+        fmt::format("{}: not privileged: holding its fans takes root, or write access to their files",
+                    machine->machineName()));
   }
+  if (!co_await hasFans(machine->smc()))
+    throw MachineError(fmt::format("{}: no fans are found", machine->machineName()));
   const auto controller = makeController(co_await boost::asio::this_coro::executor, context, machine);
   StateReport report(options, context.out);
 
@@ -198,9 +235,9 @@ Async<ExitStatus> hold(HoldOptions options, Context& context) {
   if (failure) std::rethrow_exception(failure);
   while (const auto state = controller->stateStream().tryNext())
     report.show(*state);
-  if (!isEveryFanBack) co_return ExitStatus::failed;
-  report.say("every fan is back with the firmware");
-  co_return status;
+  if (isEveryFanBack) report.say("every fan is back with the firmware");
+  report.finish();
+  co_return isEveryFanBack ? status : ExitStatus::failed;
 }
 
 } // namespace
@@ -210,14 +247,18 @@ void addHold(CLI::App& app, Context& context) {
   const auto options = std::make_shared<HoldOptions>();
   command->add_option("--plan", options->plan, "The plan, a JSON file")->required();
   command->add_option("--seconds", options->seconds, "End after so long; else at SIGINT, SIGTERM or SIGHUP")
-      ->check(CLI::Range(0.0, 1e9));
+      ->check(durationRange());
   command->add_flag("--json", options->asJSON, "Each state of the controller as a JSON line");
   command->footer(
       "Ends with 0 only when every fan is back with the firmware. Ends with 3, the fans given back, when a\n"
-      "watchdog had to release them: at 95 °C, and when two readings in a row give no temperature.");
+      "watchdog had to release them: at 95 °C, and when two readings in a row give no temperature; and when "
+      "no\n"
+      "fan could be held.");
   command->callback([&context, options] {
-    context.mustFinish = true;
-    context.command = [&context, options] { return hold(*options, context); };
+    context.command = [&context, options] {
+      context.insistOnFinishing();
+      return hold(*options, context);
+    };
   });
 }
 

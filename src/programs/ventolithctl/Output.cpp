@@ -1,5 +1,6 @@
 #include "programs/ventolithctl/Output.h"
 
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -27,6 +28,11 @@ void StreamOutput::write(std::string_view text) {
 
 void StreamOutput::flush() {
   if (std::fflush(stream_) != 0) throw OutputError(name_ + ": " + std::generic_category().message(errno));
+}
+
+bool StreamOutput::isReady() const {
+  pollfd stream{.fd = fileno(stream_), .events = POLLOUT, .revents = 0};
+  return poll(&stream, 1, 0) != 0; // Of what is broken the next write tells.
 }
 
 TextSize StreamOutput::size() const {

@@ -36,6 +36,9 @@ public:
   /// Fails with OutputError, here or at the next `flush`.
   virtual void write(std::string_view text) = 0;
   virtual void flush() = 0;
+  /// Whether a line would be taken at once. A pipe whose reader is slow and a terminal that was paused take
+  /// none, and writing to them waits.
+  [[nodiscard]] virtual bool isReady() const { return true; }
 
   /// Whether what was written can be drawn over.
   [[nodiscard]] virtual bool isTerminal() const = 0;
@@ -54,6 +57,7 @@ public:
 
   void write(std::string_view text) override;
   void flush() override;
+  [[nodiscard]] bool isReady() const override;
   [[nodiscard]] bool isTerminal() const override { return isTerminal_; }
   [[nodiscard]] TextSize size() const override;
   [[nodiscard]] ColorDepth colors() const override { return colors_; }

@@ -1,6 +1,8 @@
 #include "programs/ventolithctl/PlanWarnings.h"
 
 #include "core/Visitor.h"
+#include "hardware/FanKeys.h"
+#include "helper/engine/LocalFanController.h"
 
 #include <fmt/format.h>
 
@@ -22,6 +24,7 @@ using core::FanRule;
 using core::RuleFanTarget;
 
 constexpr double hotCelsius = 80; // Above it a fan has to turn.
+constexpr double ceilingCelsius = helper::LocalFanController::thermalCeilingCelsius;
 
 bool isPercent(double percent) {
   return percent >= 0 && percent <= 100;
@@ -74,9 +77,15 @@ private:
                     [&](const FanPlan& other) { return other.fanID == entry.fanID; })) {
       warn(path + ".fanID", fmt::format("fan {} is listed twice: this entry wins", entry.fanID));
     }
+    if (!hardware::fankeys::isNameable(entry.fanID))
+      warn(path + ".fanID", fmt::format("no machine has a fan {}", entry.fanID));
     std::visit(core::Visitor{
                    [](const FanControlModePlan::Automatic&) {},
-                   [](const FanControlModePlan::FixedRPM&) {},
+                   [&](const FanControlModePlan::FixedRPM& fixed) {
+                     if (fixed.rpm > 0) return;
+                     warn(path + ".mode.fixedRPM._0",
+                          "a fixed speed never stops a fan: it runs at its minimum");
+                   },
                    [&](const FanControlModePlan::FixedPercent& fixed) {
                      inspectPercent(path + ".mode.fixedPercent._0", fixed.percent, entry.fanID);
                    },
@@ -142,6 +151,11 @@ private:
                        rule.thresholdCelsius));
     }
     warnUnlessPercent(path + ".targetPercent", rule.targetPercent);
+    if (rule.enabled && rule.targetPercent <= 0)
+      warn(path + ".targetPercent", "asks for 0 % in the heat, whatever the fans' own modes ask for");
+    if (rule.thresholdCelsius >= ceilingCelsius)
+      warn(path + ".thresholdCelsius",
+           fmt::format("never fires: at {} °C every fan is given back", ceilingCelsius));
     const auto* one = std::get_if<RuleFanTarget::OneFan>(&rule.fanTarget.value);
     if (one != nullptr && !isListed(one->fan)) {
       warn(path + ".fanTarget.fan._0",

@@ -1,5 +1,6 @@
 #include "programs/ventolithctl/RecordCommand.h"
 
+#include "programs/ventolithctl/DurationRange.h"
 #include "programs/ventolithctl/MachineReader.h"
 #include "programs/ventolithctl/Pace.h"
 #include "programs/ventolithctl/Trace.h"
@@ -81,7 +82,7 @@ void addRecord(CLI::App& app, Context& context) {
   command->add_option("FILE", options->file, "The trace to write, a JSON object a line; - is standard output")
       ->required();
   command->add_option("--seconds", options->seconds, "End after so long; else at Ctrl-C")
-      ->check(CLI::Range(0.0, 1e9));
+      ->check(durationRange());
   command->callback(
       [&context, options] { context.command = [&context, options] { return record(*options, context); }; });
 }

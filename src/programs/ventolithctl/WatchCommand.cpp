@@ -1,5 +1,6 @@
 #include "programs/ventolithctl/WatchCommand.h"
 
+#include "programs/ventolithctl/DurationRange.h"
 #include "programs/ventolithctl/LiveTable.h"
 #include "programs/ventolithctl/MachineReader.h"
 #include "programs/ventolithctl/Pace.h"
@@ -63,7 +64,7 @@ void addWatch(CLI::App& app, Context& context) {
       app.add_subcommand("watch", "Show the temperatures and fans as they change, every 2 seconds");
   const auto options = std::make_shared<WatchOptions>();
   command->add_option("--seconds", options->seconds, "End after so long; else at Ctrl-C")
-      ->check(CLI::Range(0.0, 1e9));
+      ->check(durationRange());
   command->footer("Where the output is no terminal, each reading is one line.");
   command->callback(
       [&context, options] { context.command = [&context, options] { return watch(*options, context); }; });

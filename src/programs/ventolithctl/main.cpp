@@ -38,13 +38,20 @@ int main(int argumentCount, char** arguments) {
       .selectMachine = [&clock] { return programs::selectMachine(programs::processEnvironment, clock); }};
 
   // The first signal asks, so that the command leaves the terminal and the fans as it found them. A second
-  // one ends it, unless there are fans to give back.
+  // one ends it, unless there are fans to give back: then none does, and none stops it half-way.
+  bool mustFinish = false;
   boost::asio::signal_set signals(executor, SIGINT, SIGTERM);
+  context.insistOnFinishing = [&] {
+    mustFinish = true;
+    signals.add(SIGQUIT);
+    for (const int stopping : {SIGTSTP, SIGTTIN, SIGTTOU})
+      std::signal(stopping, SIG_IGN);
+  };
   if (!isIgnored(SIGHUP)) signals.add(SIGHUP);
   signals.async_wait([&](const boost::system::error_code& error, int) {
     if (error) return;
     stop.requestStop();
-    if (!context.mustFinish) signals.clear();
+    if (!mustFinish) signals.clear();
   });
 
   auto status = ctl::ExitStatus::failed;

@@ -223,15 +223,5 @@ TEST_F(HoldLoopTest, AnHourOfHoldingLeavesNoSleeperBehind) {
     continue;
 }
 
-TEST_F(HoldLoopTest, AControllerThatIsGoneBeforeTheLoopFirstRunsEndsIt) {
-  auto other = std::make_shared<LocalFanController>(context.get_executor(), clock, smc, sensors, privileges);
-  const std::weak_ptr<LocalFanController> weak = other;
-  run(other->applyPlan(fixed({{0, 3000}})));
-  run(other->automatic());
-  other.reset();
-  clock.settle();
-  EXPECT_TRUE(weak.expired());
-}
-
 } // namespace
 } // namespace ventolith::helper

@@ -52,6 +52,10 @@ TEST(PlanWarnings, NameThePathOfEachOddity) {
   FanRule beyondPercent = goodRule();
   beyondPercent.targetPercent = 101;
   const FanRule twin = goodRule();
+  FanRule stopping = goodRule();
+  stopping.targetPercent = 0;
+  FanRule tooLate = goodRule();
+  tooLate.thresholdCelsius = 95;
   FanControlPlan noFilter = withRule(goodRule());
   noFilter.tuning.emaAlpha = 0;
   FanControlPlan wildFilter = withRule(goodRule());
@@ -87,6 +91,10 @@ TEST(PlanWarnings, NameThePathOfEachOddity) {
       {"alpha 0", noFilter, "tuning.emaAlpha"},
       {"alpha above 1", wildFilter, "tuning.emaAlpha"},
       {"no step", stuck, "tuning.maxDeltaRPMPerTick"},
+      {"fan that no key names", planOf({{10, goodCurve}}), "fans[0].fanID"},
+      {"fixed 0 RPM", planOf({{0, FanControlModePlan::fixedRPM(0)}}), "fans[0].mode.fixedRPM._0"},
+      {"rule of 0", withRule(stopping), "rules[0].targetPercent"},
+      {"rule above the ceiling", withRule(tooLate), "rules[0].thresholdCelsius"},
       {"rules without a held fan", planOf({{0, FanControlModePlan::automatic()}}, {twin}), "fans"},
   };
   for (const Row& row : rows) {
@@ -115,9 +123,7 @@ TEST(PlanWarnings, ParkedFanIsFineWhereARuleOfTheHottestSensorWakesIt) {
   late.thresholdCelsius = 80.5;
   FanRule ofOneSensor = rule;
   ofOneSensor.sensorID = "SMC-TG0D";
-  FanRule parking = rule;
-  parking.targetPercent = 0;
-  for (const FanRule& useless : {disabled, late, ofOneSensor, parking}) {
+  for (const FanRule& useless : {disabled, late, ofOneSensor}) {
     EXPECT_EQ(planWarnings(planOf({{0, FanControlModePlan::fixedPercent(0)}}, {useless})).size(), 1U);
   }
 }

@@ -25,10 +25,12 @@ struct TextOutput final : Output {
   bool terminal = false;
   TextSize extent;
   ColorDepth depth = ColorDepth::none;
+  bool ready = true;
   std::function<void()> onFlush = [] {};
 
   void write(std::string_view more) override { text += more; }
   void flush() override { onFlush(); }
+  [[nodiscard]] bool isReady() const override { return ready; }
   [[nodiscard]] bool isTerminal() const override { return terminal; }
   [[nodiscard]] TextSize size() const override { return extent; }
   [[nodiscard]] ColorDepth colors() const override { return depth; }
