@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -36,6 +37,12 @@ constexpr std::array modeWords = {
 
 const ModeWords& words(ControlMode mode) {
   return modeWords.at(static_cast<std::size_t>(mode));
+}
+
+/// Of the mode whose case name is `name`, which is one of them.
+const ModeWords& words(std::string_view name) {
+  const auto isNamed = [name](const ModeWords& mode) { return mode.caseName == name; };
+  return *std::find_if(modeWords.begin(), modeWords.end(), isNamed);
 }
 
 struct PlainWords {
@@ -157,10 +164,7 @@ JSON toJSON(const ControlState& state) {
 ControlMode readControlMode(const JSONReader& json) {
   const auto name = json.onlyCase({"automatic", "fullBlast", "manual", "curve"});
   json.at(name).expectObject();
-  for (const ModeWords& mode : modeWords) {
-    if (mode.caseName == name) return mode.mode;
-  }
-  return ControlMode::automatic; // Not reached: onlyCase gives one of the four.
+  return words(name).mode;
 }
 
 ControlState readControlState(const JSONReader& json) {

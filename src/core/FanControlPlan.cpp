@@ -1,5 +1,6 @@
 #include "core/FanControlPlan.h"
 
+#include "core/Excerpt.h"
 #include "core/Visitor.h"
 
 namespace ventolith::core {
@@ -67,8 +68,8 @@ FanCurve readFanCurve(const JSONReader& json) {
   const JSONReader interpolation = json.at("interpolation");
   const auto known = curveInterpolation(interpolation.asString());
   if (!known) {
-    interpolation.fail(DecodeError::Kind::dataCorrupted,
-                       "expected \"linear\" or \"monotone\", found \"" + interpolation.asString() + "\"");
+    interpolation.fail(DecodeError::Kind::dataCorrupted, "expected \"linear\" or \"monotone\", found \"" +
+                                                             excerpt(interpolation.asString()) + "\"");
   }
   curve.interpolation = *known;
   return curve;

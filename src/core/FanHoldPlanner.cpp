@@ -10,8 +10,7 @@ namespace ventolith::core {
 FanHoldActions FanHoldPlanner::actions(const FanDecisions& decisions, const std::set<FanID>& claimedFans) {
   FanHoldActions actions;
   std::set<FanID> wanted;
-  for (const auto& [id, decision] : decisions) {
-    const FanID fan = id; // A structured binding cannot be captured.
+  for (const auto& [fan, decision] : decisions) {
     std::visit(Visitor{
                    [&](const FanDecision::Target& target) {
                      actions.targets.emplace(fan, target.rpm);

@@ -1,5 +1,7 @@
 #include "core/JSON.h"
 
+#include "core/Excerpt.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -12,6 +14,8 @@ using Kind = DecodeError::Kind;
 
 namespace {
 
+// Of a path and of a description, as a whole. What they quote is shorter than that.
+constexpr std::size_t longestPart = 240;
 constexpr const char* invalidNumberOfKeys = "Invalid number of keys found, expected one.";
 
 /// Watches a parse and ends it at the first bound that is passed.
@@ -19,25 +23,26 @@ class BoundsWatch {
 public:
   explicit BoundsWatch(const JSONBounds& bounds) : bounds_(bounds) {}
 
-  void enter(bool isObject) {
-    if (++depth_ > bounds_.depth) fail(fmt::format("nested deeper than {} levels", bounds_.depth));
-    count();
-    if (isObject) keys_.emplace_back();
-    kinds_.push_back(isObject);
+  void enterObject() {
+    enter();
+    keys_.emplace_back();
   }
 
-  void leave() {
+  void leaveObject() {
     --depth_;
-    if (kinds_.back()) keys_.pop_back();
-    kinds_.pop_back();
+    keys_.pop_back();
   }
+
+  void enterList() { enter(); }
+
+  void leaveList() { --depth_; }
 
   void key(const std::string& name) {
     if (keys_.back().size() >= bounds_.membersOfAnObject) {
       fail(fmt::format("an object with more than {} members", bounds_.membersOfAnObject));
     }
     if (!keys_.back().insert(name).second)
-      fail(fmt::format("the key \"{}\" stands twice in one object", name));
+      fail(fmt::format("the key \"{}\" stands twice in one object", excerpt(name)));
   }
 
   void count() {
@@ -45,16 +50,31 @@ public:
   }
 
 private:
-  [[noreturn]] static void fail(std::string description) {
-    throw DecodeError(Kind::dataCorrupted, "", std::move(description));
+  void enter() {
+    if (++depth_ > bounds_.depth) fail(fmt::format("nested deeper than {} levels", bounds_.depth));
+    count();
+  }
+
+  [[noreturn]] static void fail(std::string_view description) {
+    throw DecodeError(Kind::dataCorrupted, "", description);
   }
 
   const JSONBounds& bounds_;
   std::size_t depth_ = 0;
   std::size_t values_ = 0;
   std::vector<std::set<std::string>> keys_; // Of each object that is open.
-  std::vector<bool> kinds_;                 // Of each value that is open: true for an object.
 };
+
+/// What the parser says, without the tag in square brackets that it puts first.
+std::string_view reason(const JSON::exception& error) {
+  const std::string_view text = error.what();
+  const auto tagEnd = text.find("] ");
+  return tagEnd == std::string_view::npos ? text : text.substr(tagEnd + 2);
+}
+
+std::string joined(const std::string& path, const std::string& description) {
+  return path.empty() ? description : path + ": " + description;
+}
 
 std::string_view typeName(const JSON& value) {
   if (value.is_null()) return "null";
@@ -67,11 +87,11 @@ std::string_view typeName(const JSON& value) {
 
 } // namespace
 
-DecodeError::DecodeError(Kind kind, std::string path, std::string description)
-    : std::runtime_error(path.empty() ? description : path + ": " + description),
+DecodeError::DecodeError(Kind kind, std::string_view path, std::string_view description)
+    : std::runtime_error(joined(excerpt(path, longestPart), excerpt(description, longestPart))),
       kind_(kind),
-      path_(std::move(path)),
-      description_(std::move(description)) {}
+      path_(excerpt(path, longestPart)),
+      description_(excerpt(description, longestPart)) {}
 
 JSON parseJSON(std::string_view text, const JSONBounds& bounds) {
   if (text.size() > bounds.bytes) {
@@ -84,10 +104,10 @@ JSON parseJSON(std::string_view text, const JSONBounds& bounds) {
   BoundsWatch watch(bounds);
   const auto observe = [&watch](int, JSON::parse_event_t event, JSON& parsed) {
     switch (event) {
-    case JSON::parse_event_t::object_start: watch.enter(true); break;
-    case JSON::parse_event_t::array_start: watch.enter(false); break;
-    case JSON::parse_event_t::object_end:
-    case JSON::parse_event_t::array_end: watch.leave(); break;
+    case JSON::parse_event_t::object_start: watch.enterObject(); break;
+    case JSON::parse_event_t::object_end: watch.leaveObject(); break;
+    case JSON::parse_event_t::array_start: watch.enterList(); break;
+    case JSON::parse_event_t::array_end: watch.leaveList(); break;
     case JSON::parse_event_t::key: watch.key(parsed.get_ref<const std::string&>()); break;
     case JSON::parse_event_t::value: watch.count(); break;
     }
@@ -96,7 +116,7 @@ JSON parseJSON(std::string_view text, const JSONBounds& bounds) {
   try {
     return JSON::parse(text.begin(), text.end(), observe);
   } catch (const JSON::exception& error) {
-    throw DecodeError(Kind::dataCorrupted, "", fmt::format("not valid JSON: {}", error.what()));
+    throw DecodeError(Kind::dataCorrupted, "", fmt::format("not valid JSON: {}", reason(error)));
   }
 }
 
@@ -186,11 +206,11 @@ std::string JSONReader::path() const {
   std::string path = parent_->path();
   if (key_.data() == nullptr) return path + fmt::format("[{}]", place_);
   if (!path.empty()) path += '.';
-  return path.append(key_);
+  return path.append(excerpt(key_));
 }
 
-void JSONReader::fail(Kind kind, std::string description) const {
-  throw DecodeError(kind, path(), std::move(description));
+void JSONReader::fail(Kind kind, std::string_view description) const {
+  throw DecodeError(kind, path(), description);
 }
 
 } // namespace ventolith::core

@@ -20,7 +20,8 @@ namespace ventolith::core {
 using JSON = nlohmann::ordered_json;
 
 /// Why a text is no such record. `what()` is the path, a colon and the description; at the root of the
-/// document the path is left out.
+/// document the path is left out. Both are excerpts: free of control characters, and short however long
+/// the text is that they quote.
 class DecodeError : public std::runtime_error {
 public:
   enum class Kind {
@@ -29,7 +30,7 @@ public:
     dataCorrupted, ///< No JSON, or beyond a bound.
   };
 
-  DecodeError(Kind kind, std::string path, std::string description);
+  DecodeError(Kind kind, std::string_view path, std::string_view description);
 
   [[nodiscard]] Kind kind() const { return kind_; }
   /// Keys joined by dots, list places in square brackets: `fans[1].mode.curve._0.points`.
@@ -46,12 +47,13 @@ private:
 struct JSONBounds {
   std::size_t bytes = 1 << 20;
   std::size_t depth = 32;
-  std::size_t membersOfAnObject = 1024;
+  std::size_t membersOfAnObject = 128; // Each new one is compared with those before it.
   std::size_t values = 65536;
 };
 
 /// Parses one document. Fails with DecodeError (dataCorrupted) on text that is no JSON, invalid UTF-8,
-/// a key that stands twice in one object, a number beyond a 64-bit float, and anything over a bound.
+/// a key that stands twice in one object, a number beyond a 64-bit float, and anything over a bound. A
+/// byte-order mark at the start of the text is skipped.
 [[nodiscard]] JSON parseJSON(std::string_view text, const JSONBounds& bounds = {});
 
 /// A value of a document, together with the way to it, which a failure names. It refers to the document
@@ -74,7 +76,9 @@ public:
   [[nodiscard]] JSONReader element(std::size_t place) const;
 
   [[nodiscard]] double asDouble() const;
-  /// Whole numbers only; 3.0 is one. Fails with typeMismatch beyond 64 bits.
+  /// A whole number in any form; 3.0 and 1e3 are such. Fails with typeMismatch on a fraction and beyond
+  /// signed 64 bits. A number with a fraction or an exponent is rounded to a 64-bit float first, and one
+  /// that comes to -2^63 there fails too, for it may have been less.
   [[nodiscard]] std::int64_t asInteger() const;
   [[nodiscard]] bool asBoolean() const;
   [[nodiscard]] const std::string& asString() const;
@@ -84,7 +88,7 @@ public:
 
   [[nodiscard]] const JSON& value() const { return value_; }
   [[nodiscard]] std::string path() const;
-  [[noreturn]] void fail(DecodeError::Kind kind, std::string description) const;
+  [[noreturn]] void fail(DecodeError::Kind kind, std::string_view description) const;
 
 private:
   JSONReader(const JSON& value, const JSONReader* parent, std::string_view key, std::size_t place)
@@ -92,7 +96,7 @@ private:
 
   const JSON& value_;
   const JSONReader* parent_ = nullptr;
-  std::string_view key_; // Empty for an element of a list.
+  std::string_view key_; // Without data for an element of a list: an empty key is a key.
   std::size_t place_ = 0;
 };
 

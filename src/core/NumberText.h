@@ -5,8 +5,8 @@
 
 namespace ventolith::core {
 
-/// `value` in its shortest form that reads back to the same value, always with a fractional part:
-/// 0.0, 15.0, 0.3.
+/// `value` in its shortest form that reads back to the same value, always with a fractional part or an
+/// exponent: 0.0, 15.0, 0.3, 1e+16.
 [[nodiscard]] std::string fractionText(double value);
 
 } // namespace ventolith::core

@@ -32,14 +32,28 @@ double scale(double percent, const Fan& fan) {
   return clampedPercent(percent) * (max - min) / 100 + min;
 }
 
-const Fan* findFan(const SensorSnapshot& snapshot, FanID id) {
-  // A fan's id is its place, unless somebody made the snapshot by hand.
-  const auto place = static_cast<std::size_t>(id);
-  if (place < snapshot.fans.size() && snapshot.fans[place].id == id) return &snapshot.fans[place];
-  const auto found =
-      std::find_if(snapshot.fans.begin(), snapshot.fans.end(), [id](const Fan& fan) { return fan.id == id; });
-  return found == snapshot.fans.end() ? nullptr : &*found;
-}
+/// The fans of a snapshot by their ids. Of two fans with one id the first counts.
+class FansByID {
+public:
+  explicit FansByID(const std::vector<Fan>& fans) : fans_(fans) {
+    while (inPlace_ < fans.size() && fans[inPlace_].id == static_cast<FanID>(inPlace_))
+      ++inPlace_;
+  }
+
+  [[nodiscard]] const Fan* find(FanID id) const {
+    const auto place = static_cast<std::size_t>(id);
+    if (place < inPlace_) return &fans_[place];
+    const auto rest = fans_.begin() + static_cast<std::ptrdiff_t>(inPlace_);
+    const auto found = std::find_if(rest, fans_.end(), [id](const Fan& fan) { return fan.id == id; });
+    return found == fans_.end() ? nullptr : &*found;
+  }
+
+private:
+  const std::vector<Fan>& fans_;
+  // So many fans from the first on have their place as their id: all of them, unless somebody made the
+  // snapshot by hand.
+  std::size_t inPlace_ = 0;
+};
 
 } // namespace
 
@@ -47,9 +61,10 @@ FanDecisions PlanEvaluator::evaluate(const FanControlPlan& plan, const SensorSna
                                      Instant now) {
   filter(snapshot, plan.tuning.emaAlpha);
   const Overrides overrides = latchedOverrides(plan, now);
+  const FansByID fans(snapshot.fans);
   FanDecisions decisions;
   for (const FanPlan& entry : plan.fans) {
-    const Fan* fan = findFan(snapshot, entry.fanID);
+    const Fan* fan = fans.find(entry.fanID);
     if (fan == nullptr) continue;
     decisions.insert_or_assign(entry.fanID, decide(entry, *fan, overrides, plan.tuning, now));
   }
@@ -88,12 +103,10 @@ std::optional<double> PlanEvaluator::temperature(const std::optional<std::string
 void PlanEvaluator::updateRule(const FanRule& rule, std::optional<double> celsius, Instant now) {
   if (ruleLatched_.contains(rule.id)) {
     const double releaseLevel = std::min(rule.thresholdCelsius - ruleReleaseMargin, rule.releaseBelowCelsius);
-    if (celsius && *celsius < releaseLevel) {
-      ruleLatched_.erase(rule.id);
-      ruleFiringSince_.erase(rule.id);
-    } else {
-      return;
-    }
+    const bool hasCooled = celsius && *celsius < releaseLevel;
+    if (!hasCooled) return;
+    ruleLatched_.erase(rule.id);
+    ruleFiringSince_.erase(rule.id);
   }
   if (celsius && *celsius > rule.thresholdCelsius) {
     const Instant start = ruleFiringSince_.try_emplace(rule.id, now).first->second;
@@ -128,7 +141,8 @@ FanDecision PlanEvaluator::decide(const FanPlan& entry, const Fan& fan, const Ov
   // A rule overrides every mode, the firmware's included.
   if (const auto override = overrides.find(fan.id); override != overrides.end()) {
     const double percent = override->second;
-    return runUnlessStopped({fan.id, percent, true}, fan, scale(percent, fan), now);
+    return runUnlessStopped({.fan = fan.id, .percent = percent, .isRuleOverride = true}, fan,
+                            scale(percent, fan), now);
   }
   return std::visit(
       Visitor{
@@ -138,7 +152,8 @@ FanDecision PlanEvaluator::decide(const FanPlan& entry, const Fan& fan, const Ov
             return holdAt(fan, fixed.rpm);
           },
           [&](const FanControlModePlan::FixedPercent& fixed) {
-            const StopRequest request{fan.id, clampedPercent(fixed.percent), false};
+            const StopRequest request{
+                .fan = fan.id, .percent = clampedPercent(fixed.percent), .isRuleOverride = false};
             return runUnlessStopped(request, fan, scale(fixed.percent, fan), now);
           },
           [&](const FanControlModePlan::Curve& curve) { return follow(curve.curve, fan, tuning, now); },
@@ -156,7 +171,7 @@ FanDecision PlanEvaluator::follow(const FanCurve& curve, const Fan& fan, const C
     rpm = std::max(rpm, last->second - tuning.maxDeltaRPMPerTick);
     rpm = std::min(rpm, last->second + tuning.maxDeltaRPMPerTick);
   }
-  return runUnlessStopped({fan.id, percent, false}, fan, rpm, now);
+  return runUnlessStopped({.fan = fan.id, .percent = percent, .isRuleOverride = false}, fan, rpm, now);
 }
 
 FanDecision PlanEvaluator::runUnlessStopped(const StopRequest& request, const Fan& fan, double rpm,

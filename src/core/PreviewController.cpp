@@ -33,19 +33,26 @@ Async<ControlResult> PreviewController::setManual(FanID fan, std::int64_t rpm) {
     held.perFanMode[fan] = ControlMode::manual;
     held.targets[fan] = rpm;
   };
-  return serial_.run(
-      takeOver(fmt::format("setManual(fan: {}, rpm: {})", fan, rpm), ControlMode::manual, true, hold));
+  return serial_.run(takeOver({.entry = fmt::format("setManual(fan: {}, rpm: {})", fan, rpm),
+                               .mode = ControlMode::manual,
+                               .isHolding = true,
+                               .hold = hold}));
 }
 
 Async<ControlResult> PreviewController::setPercent(FanID fan, double percent) {
   // No RPM is known here, so the targets stay as they are.
   const auto hold = [fan](ControlState& held) { held.perFanMode[fan] = ControlMode::manual; };
-  return serial_.run(takeOver(fmt::format("setPercent(fan: {}, percent: {})", fan, fractionText(percent)),
-                              ControlMode::manual, true, hold));
+  return serial_.run(
+      takeOver({.entry = fmt::format("setPercent(fan: {}, percent: {})", fan, fractionText(percent)),
+                .mode = ControlMode::manual,
+                .isHolding = true,
+                .hold = hold}));
 }
 
 Async<ControlResult> PreviewController::fullBlast() {
-  return serial_.run(takeOver("fullBlast()", ControlMode::fullBlast, true, [](ControlState&) {}));
+  const auto hold = [](ControlState&) {};
+  return serial_.run(
+      takeOver({.entry = "fullBlast()", .mode = ControlMode::fullBlast, .isHolding = true, .hold = hold}));
 }
 
 Async<ControlResult> PreviewController::applyPlan(FanControlPlan plan) {
@@ -57,7 +64,8 @@ Async<ControlResult> PreviewController::applyPlan(FanControlPlan plan) {
     for (const FanPlan& fan : fans)
       held.perFanMode[fan.fanID] = previewMode(fan.mode);
   };
-  return serial_.run(takeOver(std::move(entry), std::nullopt, controlled != 0, hold));
+  return serial_.run(takeOver(
+      {.entry = std::move(entry), .mode = std::nullopt, .isHolding = controlled != 0, .hold = hold}));
 }
 
 Async<ControlResult> PreviewController::automatic() {
@@ -77,19 +85,18 @@ Async<void> PreviewController::heartbeat() {
   return serial_.run(work(*this));
 }
 
-Async<ControlResult> PreviewController::takeOver(std::string entry, std::optional<ControlMode> mode,
-                                                 bool isHolding, std::function<void(ControlState&)> hold) {
-  record(std::move(entry));
+Async<ControlResult> PreviewController::takeOver(Command command) {
+  record(std::move(command.entry));
   ControlState acquiring = state_;
   acquiring.isHolding = false;
   setState(std::move(acquiring));
 
   co_await clock_.sleep(simulatedAcquireDelay_, runtime::StopToken());
 
-  if (mode) mode_ = *mode;
+  if (command.mode) mode_ = *command.mode;
   ControlState held = state_;
-  hold(held);
-  held.isHolding = isHolding;
+  command.hold(held);
+  held.isHolding = command.isHolding;
   held.lastError = std::nullopt;
   setState(std::move(held));
   co_return ControlResult::applied;

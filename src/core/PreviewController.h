@@ -35,8 +35,14 @@ public:
   [[nodiscard]] const std::vector<std::string>& log() const { return log_; }
 
 private:
-  runtime::Async<ControlResult> takeOver(std::string entry, std::optional<ControlMode> mode, bool isHolding,
-                                         std::function<void(ControlState& held)> hold);
+  struct Command {
+    std::string entry;               // For the log.
+    std::optional<ControlMode> mode; // The whole-controller mode afterwards; none leaves it.
+    bool isHolding;                  // What the state says at the end.
+    std::function<void(ControlState& held)> hold;
+  };
+
+  runtime::Async<ControlResult> takeOver(Command command);
   runtime::Async<void> giveBack(std::string entry);
   void record(std::string text);
   void setState(ControlState state);

@@ -26,7 +26,7 @@ bool isCanonical(std::string_view text) {
 } // namespace
 
 UUID makeUUID() {
-  static boost::uuids::random_generator generator;
+  thread_local boost::uuids::random_generator generator;
   return generator();
 }
 

@@ -1,6 +1,7 @@
 #include "app/selftest/ControlSequence.h"
 
 #include "app/ReportText.h"
+#include "app/ScriptedController.h"
 #include "support/VirtualTime.h"
 
 #include <gtest/gtest.h>
@@ -9,53 +10,10 @@ namespace ventolith::app {
 namespace {
 
 using core::ControlResult;
-using runtime::Async;
-
-/// Answers what it is told to, and yields a state before and after each wait of a command.
-struct ScriptedController final : core::FanControlling {
-  explicit ScriptedController(runtime::Clock& time) : clock(time) {}
-
-  runtime::Clock& clock;
-  ControlResult automaticResult = ControlResult::applied;
-  ControlResult percentResult = ControlResult::applied;
-  ControlResult fullBlastResult = ControlResult::applied;
-  std::vector<std::string> log;
-  core::ControlStateStream states;
-
-  Async<void> act(std::string entry) {
-    log.push_back(std::move(entry));
-    states.yield(core::ControlState::idle);
-    co_await clock.sleep(std::chrono::seconds(1), runtime::StopToken());
-  }
-  Async<ControlResult> command(std::string entry, ControlResult result) {
-    co_await act(std::move(entry));
-    co_return result;
-  }
-
-  Async<ControlResult> setManual(core::FanID, std::int64_t) override {
-    return command("setManual", percentResult);
-  }
-  Async<ControlResult> setPercent(core::FanID fan, double percent) override {
-    return command("setPercent " + std::to_string(fan) + " " + std::to_string(percent), percentResult);
-  }
-  Async<ControlResult> fullBlast() override { return command("fullBlast", fullBlastResult); }
-  Async<ControlResult> applyPlan(core::FanControlPlan) override {
-    return command("applyPlan", percentResult);
-  }
-  Async<ControlResult> automatic() override { return command("automatic", automaticResult); }
-  Async<void> restoreAuto() override { return act("restoreAuto"); }
-  Async<void> heartbeat() override { return act("heartbeat"); }
-  core::ControlStateStream& stateStream() override { return states; }
-};
 
 class ControlSequenceTest : public testing::Test {
 protected:
-  bool run() {
-    const bool passed =
-        time_.clock.run(runControlSequence(time_.executor(), controller_, controller_.log, text_.output));
-    time_.clock.settle(); // Lets the observer of the states end before the controller goes.
-    return passed;
-  }
+  bool run() { return time_.clock.run(runControlSequence(controller_, controller_.log, text_.output)); }
 
   support::VirtualTime time_;
   ScriptedController controller_{time_.clock};
@@ -120,11 +78,24 @@ TEST_F(ControlSequenceTest, ObservesTheStatesThatTheControllerYieldedBefore) {
   EXPECT_EQ(text_.lines().at(1), "stateStream updates observed: 7");
 }
 
-TEST_F(ControlSequenceTest, StopsObservingWhenItEnds) {
-  run();
-  controller_.states.yield(core::ControlState::idle);
+TEST_F(ControlSequenceTest, NothingObservesTheControllerAnyMoreWhenItEnds) {
+  const auto sequenceAndOneMoreState = [this]() -> runtime::Async<void> {
+    co_await runControlSequence(controller_, controller_.log, text_.output);
+    controller_.states.yield(core::ControlState::idle); // Before anything else can run.
+  };
+  time_.clock.run(sequenceAndOneMoreState());
   time_.clock.settle();
   EXPECT_TRUE(controller_.states.tryNext().has_value());
+}
+
+TEST_F(ControlSequenceTest, ControllerMayGoTheMomentItEnds) {
+  const auto sequenceOfAControllerThatGoes = [this]() -> runtime::Async<bool> {
+    ScriptedController passing(time_.clock);
+    co_return co_await runControlSequence(passing, passing.log, text_.output);
+  };
+  EXPECT_TRUE(time_.clock.run(sequenceOfAControllerThatGoes()));
+  time_.clock.settle();
+  EXPECT_EQ(text_.lines().at(1), "stateStream updates observed: 5");
 }
 
 } // namespace

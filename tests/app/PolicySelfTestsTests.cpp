@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace ventolith::app {
 namespace {
 
@@ -68,6 +70,45 @@ TEST(ControlConfigSelfTest, PassesWheneverItIsRun) {
   EXPECT_TRUE(runControlConfigSelfTest(time.clock, text.output));
   time.clock.advance(std::chrono::hours(1000));
   EXPECT_TRUE(runControlConfigSelfTest(time.clock, text.output));
+}
+
+TEST(PolicyChecks, APlanThatCannotBeWrittenFailsWithTheReasonAndTheRunGoesOn) {
+  ReportText text;
+  bool allOK = true;
+  const auto unwritable = planOf({}, std::numeric_limits<double>::quiet_NaN(), "hot", std::nullopt);
+  const auto sound = planOf({}, 75, "hot", std::nullopt);
+  checkRoundTrip("first", unwritable, text.output, allOK);
+  EXPECT_FALSE(allOK);
+  checkRoundTrip("second", sound, text.output, allOK);
+  EXPECT_FALSE(allOK);
+  EXPECT_EQ(text.lines(), (Lines{
+                              "  [FAIL] first",
+                              "  error: a number that is not finite has no JSON form",
+                              "  [PASS] second",
+                              byteCountLine(sound),
+                          }));
+}
+
+TEST(PolicyChecks, AFirstTickOfAnotherSpeedFailsAndIsReported) {
+  struct Row {
+    double percent;
+    const char* line;
+    bool isOK;
+  };
+  const Row rows[] = {
+      {30, "  [PASS] PlanEvaluator decision for fan 0 == .target(rpm: 3800) (got 3800.0)", true},
+      {30.025, "  [FAIL] PlanEvaluator decision for fan 0 == .target(rpm: 3800) (got 3801.5)", false},
+      {0, "  [FAIL] PlanEvaluator decision for fan 0 == .target(rpm: 3800) (got 2000.0)", false},
+      {100, "  [FAIL] PlanEvaluator decision for fan 0 == .target(rpm: 3800) (got 8000.0)", false},
+  };
+  for (const Row& row : rows) {
+    support::VirtualTime time;
+    ReportText text;
+    bool allOK = true;
+    checkFirstTick({.points = {{.celsius = 50, .percent = row.percent}}}, time.clock, text.output, allOK);
+    EXPECT_EQ(text.lines(), Lines{row.line});
+    EXPECT_EQ(allOK, row.isOK);
+  }
 }
 
 TEST(PlanPlumbingSelfTest, PassesAndReportsEveryCheckToTheLetter) {

@@ -2,12 +2,14 @@
 #include "app/selftest/SelfTest.h"
 
 #include "app/ReportText.h"
+#include "app/ScriptedController.h"
 #include "hardware/doubles/KeyTableSMC.h"
 #include "hardware/doubles/ScriptedHIDBridge.h"
 #include "support/VirtualTime.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <regex>
 
 namespace ventolith::app {
@@ -207,6 +209,29 @@ TEST_F(SelfTestRunTest, ObservesAtMostTheSixStatesOfTheSequence) {
   const int observed = std::stoi(match[1]);
   EXPECT_GE(observed, 1);
   EXPECT_LE(observed, 6);
+}
+
+TEST_F(SelfTestRunTest, ARefusedCommandFailsTheRunAtItsEnd) {
+  ScriptedController refusing(time_.clock);
+  refusing.percentResult = core::ControlResult::notPrivileged;
+  EXPECT_FALSE(
+      time_.clock.run(runChecks(time_.executor(), time_.clock, refusing, refusing.log, text_.output)));
+  const Lines lines = text_.lines();
+  const auto stands = [&lines](const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  };
+  EXPECT_TRUE(stands("  [FAIL] PreviewController control sequence"));
+  EXPECT_TRUE(stands("=== control-config selftest ==="));
+  EXPECT_TRUE(stands("  [PASS] plan JSON round-trip"));
+  EXPECT_TRUE(stands("=== plan plumbing selftest ==="));
+  EXPECT_TRUE(stands("  [PASS] applyConfig JSON round-trip"));
+  EXPECT_EQ(lines.back(), "=== Ventolith --selftest FAILED ===");
+}
+
+TEST_F(SelfTestRunTest, AControllerThatAppliesEverythingPassesTheRun) {
+  ScriptedController willing(time_.clock);
+  EXPECT_TRUE(time_.clock.run(runChecks(time_.executor(), time_.clock, willing, willing.log, text_.output)));
+  EXPECT_EQ(text_.lines().back(), "=== Ventolith --selftest PASSED ===");
 }
 
 TEST_F(SelfTestRunTest, CanBeRunAgain) {

@@ -127,6 +127,13 @@ TEST(ControlState, AbsentAndEmptyStoppedFansDiffer) {
   EXPECT_EQ(decodeControlState(encode(empty)), empty);
 }
 
+TEST(ControlState, OptionalKeysMayBeMissing) {
+  const ControlState state = decodeControlState(R"({"perFanMode":{},"targets":{"0":3800},"isHolding":true})");
+  EXPECT_EQ(state.lastError, std::nullopt);
+  EXPECT_EQ(state.stoppedFans, std::nullopt);
+  EXPECT_EQ(state, (ControlState{.targets = {{0, 3800}}, .isHolding = true}));
+}
+
 TEST(ControlState, OptionalKeysMayBeNullAndUnknownOnesStand) {
   EXPECT_EQ(
       decodeControlState(R"({"isHolding":false,"lastError":null,"x":[1],"targets":{},"stoppedFans":null,)"

@@ -176,7 +176,7 @@ TEST(FanControlPlanJSON, PayloadFreeCaseMayCarryMembers) {
   EXPECT_TRUE(planWithMode(R"({"automatic":{"since":1}})").fans.at(0).mode.isAutomatic());
 }
 
-// An object with "exactly one of the known keys": what else stands in it is an unknown key as elsewhere.
+// The case is the one key that is known; what else stands beside it is passed over, as in every record.
 TEST(FanControlPlanJSON, UnknownKeyBesideTheCaseIsIgnored) {
   EXPECT_EQ(planWithMode(R"({"fixedRPM":{"_0":2400},"note":"x"})").fans.at(0).mode,
             FanControlModePlan::fixedRPM(2400));

@@ -37,6 +37,44 @@ TEST(JSONReader, FailureAtTheRootHasNoPath) {
             "expected an object, found a list");
 }
 
+TEST(JSONReader, FailureQuotesNoControlCharacter) {
+  const std::string escape = "\\u001b[2J\\n\\u007f\\u009b";
+  const std::string twice = "{\"" + escape + "\":1,\"" + escape + "\":2}";
+  EXPECT_EQ(failure(Kind::dataCorrupted, [&] { (void)parseJSON(twice); }),
+            "the key \"\uFFFD[2J\uFFFD\uFFFD\uFFFD\" stands twice in one object");
+  const JSON document = parseJSON("{\"" + escape + "\":1}");
+  const std::string key = document.begin().key();
+  const JSONReader root(document);
+  EXPECT_EQ(failure(Kind::typeMismatch, [&] { (void)root.at(key).asString(); }),
+            "\uFFFD[2J\uFFFD\uFFFD\uFFFD: expected a string, found a number");
+  EXPECT_EQ(failure(Kind::dataCorrupted, [&] { root.at(key).fail(Kind::dataCorrupted, "found " + key); }),
+            "\uFFFD[2J\uFFFD\uFFFD\uFFFD: found \uFFFD[2J\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(JSONReader, FailureIsShortHoweverLongTheText) {
+  const std::string longText(100000, 'x');
+  const std::string shown = std::string(60, 'x') + "…";
+  const std::string member = "\"" + longText + "\":1";
+  EXPECT_EQ(failure(Kind::dataCorrupted, [&] { (void)parseJSON("{" + member + "," + member + "}"); }),
+            "the key \"" + shown + "\" stands twice in one object");
+  const JSON document = parseJSON("{\"a\":{" + member + "}}");
+  const JSONReader root(document);
+  const JSONReader a = root.at("a");
+  EXPECT_EQ(failure(Kind::typeMismatch, [&] { (void)a.at(longText).asBoolean(); }),
+            "a." + shown + ": expected a boolean, found a number");
+  EXPECT_EQ(failure(Kind::dataCorrupted, [&] { a.fail(Kind::dataCorrupted, longText); }),
+            "a: " + std::string(240, 'x') + "…");
+}
+
+TEST(JSONReader, FailureOfTheParserIsShortToo) {
+  for (const std::string& text : {"{\"" + std::string(100000, 'x'), std::string(100000, '9'),
+                                  "[\"" + std::string(100000, 'x') + "\" \"", std::string(100000, 'x')}) {
+    const std::string message = failure(Kind::dataCorrupted, [&] { (void)parseJSON(text); });
+    EXPECT_EQ(message.rfind("not valid JSON: ", 0), 0U);
+    EXPECT_LE(message.size(), 250U);
+  }
+}
+
 TEST(JSONReader, PathJoinsKeysByDotsAndPlacesInBrackets) {
   const JSON document = parseJSON(R"({"a":{"b":[[0],[1,{"":2}]]}})");
   const JSONReader root(document);
@@ -123,6 +161,7 @@ TEST(JSONReader, WholeNumberReadsAsAnInteger) {
       {"9223372036854775807", INT64_MAX},
       {"-9223372036854775808", INT64_MIN},
       {"-0", 0},
+      {"-9223372036854774784.0", -9223372036854774784}, // The last float before -2^63.
       {"9007199254740993", 9007199254740993},
   };
   for (const Row& row : rows) {
@@ -133,8 +172,9 @@ TEST(JSONReader, WholeNumberReadsAsAnInteger) {
 }
 
 TEST(JSONReader, NumberThatIsNoIntegerOf64BitsIsAWrongType) {
-  for (const std::string_view text : {"0.5", "-1.25", "9223372036854775808", "-9223372036854775809",
-                                      "18446744073709551615", "18446744073709551616", "1e19", "-1e300"}) {
+  for (const std::string_view text :
+       {"0.5", "-1.25", "9223372036854775808", "-9223372036854775809", "18446744073709551615",
+        "18446744073709551616", "-9223372036854775808.0", "1e19", "-1e300"}) {
     SCOPED_TRACE(text);
     const JSON document = parseJSON(text);
     EXPECT_NE(failure(Kind::typeMismatch, [&] { (void)JSONReader(document).asInteger(); }), "no failure");

@@ -7,7 +7,7 @@
 namespace ventolith::core {
 namespace {
 
-TEST(NumberText, FractionIsAlwaysShown) {
+TEST(NumberText, FractionOrExponentIsAlwaysShown) {
   struct Row {
     double value;
     const char* text;
@@ -24,6 +24,8 @@ TEST(NumberText, FractionIsAlwaysShown) {
       {12.25, "12.25"},
       {3800, "3800.0"},
       {1e15, "1000000000000000.0"},
+      {1e16, "1e+16"},
+      {-2.5e-7, "-2.5e-07"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.text);

@@ -113,6 +113,23 @@ TEST(PlanEvaluatorFan, EachFanHasItsOwnRange) {
 TEST(PlanEvaluatorFan, FirstOfTwoReadingsOfAFanCounts) {
   const auto half = FanControlModePlan::fixedPercent(50);
   EXPECT_EQ(firstTick(planOf(half), {fan(0, 1000, 3000), fan(0, 0, 9000)}).at(0), FanDecision::target(2000));
+  // The second stands where its id says.
+  EXPECT_EQ(firstTick(plan({{1, half}}), {fan(1, 1000, 3000), fan(1, 0, 9000)}).at(1),
+            FanDecision::target(2000));
+  EXPECT_EQ(firstTick(plan({{2, half}}), {fan(0), fan(2, 1000, 3000), fan(2, 0, 9000)}).at(2),
+            FanDecision::target(2000));
+}
+
+TEST(PlanEvaluatorFan, FansAreFoundInAnyOrderAndByAnyID) {
+  const auto half = FanControlModePlan::fixedPercent(50);
+  const FanControlPlan all = plan({{0, half}, {1, half}, {3, half}, {-1, half}, {INT64_MAX, half}});
+  EXPECT_EQ(firstTick(all, {fan(0, 0, 1000), fan(3, 0, 2000), fan(INT64_MAX, 0, 3000), fan(-1, 0, 4000),
+                            fan(1, 0, 5000)}),
+            (FanDecisions{{-1, FanDecision::target(2000)},
+                          {0, FanDecision::target(500)},
+                          {1, FanDecision::target(2500)},
+                          {3, FanDecision::target(1000)},
+                          {INT64_MAX, FanDecision::target(1500)}}));
 }
 
 TEST(PlanEvaluatorFan, LastDecisionOfAFanThatIsListedTwiceStands) {
@@ -147,8 +164,8 @@ TEST(PlanEvaluatorSlew, CurveChangesByTheLimitAtTheMost) {
     double asked;
     double given;
   };
-  for (const auto& [asked, given] : {Row{3800, 3400}, Row{2300, 2600}, Row{3200, 3200}, Row{2900, 2900},
-                                     Row{3401, 3400}, Row{8000, 3400}}) {
+  for (const auto& [asked, given] : {Row{3800, 3400}, Row{4000, 3400}, Row{2300, 2600}, Row{2000, 2600},
+                                     Row{3200, 3200}, Row{2900, 2900}, Row{3401, 3400}, Row{8000, 3400}}) {
     SCOPED_TRACE(asked);
     EXPECT_EQ(Slew(400).askFor(asked), FanDecision::target(given));
   }

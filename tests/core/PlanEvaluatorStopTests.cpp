@@ -44,7 +44,7 @@ public:
   PlanEvaluator evaluator;
 };
 
-TEST(PlanEvaluatorStop, PolicyIsTheDocumentedOne) {
+TEST(PlanEvaluatorStop, StopsAfterTenSecondsAndWakesAfterThreeAtThreePercent) {
   EXPECT_EQ(FanStopPolicy::stopDwellSeconds, 10.0);
   EXPECT_EQ(FanStopPolicy::resumePercent, 3.0);
   EXPECT_EQ(FanStopPolicy::resumeDwellSeconds, 3.0);
@@ -177,7 +177,7 @@ TEST(PlanEvaluatorStop, CurveWithoutTemperatureClearsTheStop) {
   EXPECT_TRUE(one.evaluator.stoppedFans().empty());
 }
 
-TEST(PlanEvaluatorStop, EachOfTheseEndsTheDwellToo) {
+TEST(PlanEvaluatorStop, FixedSpeedAutomaticAndMissingTemperatureEndTheDwell) {
   const FanControlPlan interruptions[] = {planOf(FanControlModePlan::fixedRPM(0)),
                                           planOf(FanControlModePlan::automatic()),
                                           planOf(percentAsCelsius())};
@@ -190,7 +190,7 @@ TEST(PlanEvaluatorStop, EachOfTheseEndsTheDwellToo) {
   }
 }
 
-TEST(PlanEvaluatorStop, EachOfTheseEndsTheWakingToo) {
+TEST(PlanEvaluatorStop, FixedSpeedAutomaticAndMissingTemperatureEndTheWaking) {
   const FanControlPlan interruptions[] = {planOf(FanControlModePlan::fixedRPM(0)),
                                           planOf(FanControlModePlan::automatic()),
                                           planOf(percentAsCelsius())};

@@ -6,7 +6,7 @@
 namespace ventolith::core {
 namespace {
 
-TEST(PlanRecords, DefaultTuningIsTheDocumentedOne) {
+TEST(PlanRecords, DefaultTuningHasItsFourValues) {
   const ControlTuning tuning;
   EXPECT_EQ(tuning.emaAlpha, 0.3);
   EXPECT_EQ(tuning.hysteresisCelsius, 2.0);

@@ -147,7 +147,7 @@ TEST_F(PreviewControllerTest, AutomaticYieldsIdleOnce) {
   EXPECT_EQ(yielded(), States{ControlState::idle});
 }
 
-TEST_F(PreviewControllerTest, RestoreAutoDoesTheSame) {
+TEST_F(PreviewControllerTest, RestoreAutoYieldsIdleOnce) {
   run(controller.fullBlast());
   yielded();
   time.clock.run(controller.restoreAuto());

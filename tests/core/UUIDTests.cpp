@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <set>
+#include <thread>
 
 namespace ventolith::core {
 namespace {
@@ -45,6 +47,21 @@ TEST(UUID, NewOnesDiffer) {
   for (int count = 0; count < 1000; ++count)
     made.insert(makeUUID());
   EXPECT_EQ(made.size(), 1000U);
+}
+
+TEST(UUID, NewOnesOfTwoThreadsDiffer) {
+  std::array<std::set<UUID>, 2> made;
+  std::array<std::thread, 2> threads;
+  for (std::size_t place = 0; place < threads.size(); ++place) {
+    threads[place] = std::thread([&ids = made[place]] {
+      while (ids.size() < 1000)
+        ids.insert(makeUUID());
+    });
+  }
+  for (std::thread& thread : threads)
+    thread.join();
+  made[0].merge(made[1]);
+  EXPECT_EQ(made[0].size(), 2000U);
 }
 
 TEST(UUID, NewOneIsRandomOfVersionFour) {

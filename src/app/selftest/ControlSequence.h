@@ -3,7 +3,7 @@
 
 #include "app/selftest/SelfTestOutput.h"
 #include "core/ControlContract.h"
-#include "runtime/Clock.h"
+#include "runtime/Async.h"
 
 #include <string>
 #include <vector>
@@ -12,8 +12,8 @@ namespace ventolith::app {
 
 /// automatic, setPercent, heartbeat, fullBlast and restoreAuto on `controller`, each to its end, and a
 /// report of the results, of the states that were observed meanwhile, and of the controller's `log`. True
-/// exactly when all three results are applied. `executor` runs the observer of the states.
-runtime::Async<bool> runControlSequence(runtime::Executor executor, core::FanControlling& controller,
-                                        const std::vector<std::string>& log, SelfTestOutput& output);
+/// exactly when all three results are applied. When it ends nothing refers to `controller` any more.
+runtime::Async<bool> runControlSequence(core::FanControlling& controller, const std::vector<std::string>& log,
+                                        SelfTestOutput& output);
 
 } // namespace ventolith::app

@@ -54,6 +54,19 @@ void checkCurve(const FanCurve& curve, SelfTestOutput& output, bool& allOK) {
   }
 }
 
+std::string decisionText(const core::FanDecisions& decisions, core::FanID fan) {
+  const auto decision = decisions.find(fan);
+  if (decision == decisions.end()) return "none";
+  return std::visit(core::Visitor{
+                        [](const FanDecision::Target& target) { return fractionText(target.rpm); },
+                        [](const FanDecision::ReleaseToAuto&) { return std::string("releaseToAuto"); },
+                        [](const FanDecision::IdleStopped&) { return std::string("idleStopped"); },
+                    },
+                    decision->second.value);
+}
+
+} // namespace
+
 void checkRoundTrip(const std::string& label, const FanControlPlan& plan, SelfTestOutput& output,
                     bool& allOK) {
   try {
@@ -64,17 +77,6 @@ void checkRoundTrip(const std::string& label, const FanControlPlan& plan, SelfTe
     output.check(label, false, allOK);
     output.print(fmt::format("  error: {}", error.what()));
   }
-}
-
-std::string decisionText(const core::FanDecisions& decisions, core::FanID fan) {
-  const auto decision = decisions.find(fan);
-  if (decision == decisions.end()) return "none";
-  return std::visit(core::Visitor{
-                        [](const FanDecision::Target& target) { return fractionText(target.rpm); },
-                        [](const FanDecision::ReleaseToAuto&) { return std::string("releaseToAuto"); },
-                        [](const FanDecision::IdleStopped&) { return std::string("idleStopped"); },
-                    },
-                    decision->second.value);
 }
 
 void checkFirstTick(const FanCurve& curve, runtime::Clock& clock, SelfTestOutput& output, bool& allOK) {
@@ -100,8 +102,6 @@ void checkFirstTick(const FanCurve& curve, runtime::Clock& clock, SelfTestOutput
                            decisionText(decisions, 0)),
                target != nullptr && std::abs(target->rpm - expected) <= tolerance, allOK);
 }
-
-} // namespace
 
 bool runControlConfigSelfTest(runtime::Clock& clock, SelfTestOutput& output) {
   output.print("=== control-config selftest ===");

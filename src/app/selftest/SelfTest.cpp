@@ -22,7 +22,13 @@ runtime::Async<bool> runSelfTest(runtime::Executor executor, runtime::Clock& clo
 
   core::PreviewController controller(executor, clock,
                                      [&output](const std::string& line) { output.print(line); });
-  const bool sequenceOK = co_await runControlSequence(executor, controller, controller.log(), output);
+  co_return co_await runChecks(executor, clock, controller, controller.log(), output);
+}
+
+runtime::Async<bool> runChecks(runtime::Executor executor, runtime::Clock& clock,
+                               core::FanControlling& controller, const std::vector<std::string>& log,
+                               SelfTestOutput& output) {
+  const bool sequenceOK = co_await runControlSequence(controller, log, output);
   const bool configOK = runControlConfigSelfTest(clock, output);
   const bool plumbingOK = co_await runPlanPlumbingSelfTest(executor, clock, output);
 

@@ -3,9 +3,11 @@
 #pragma once
 
 #include "app/selftest/SelfTestOutput.h"
+#include "core/ControlContract.h"
 #include "hardware/Machine.h"
 #include "runtime/Clock.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,5 +20,11 @@ namespace ventolith::app {
 /// failed check is reported and the run goes on. Takes 1.2 seconds of the clock.
 runtime::Async<bool> runSelfTest(runtime::Executor executor, runtime::Clock& clock,
                                  hardware::Machine& machine, SelfTestOutput& output);
+
+/// What follows the hardware: `controller` through its commands, the policy, and the line of the verdict.
+/// `log` is what the controller says of its calls. Every stage runs, whatever became of those before it.
+runtime::Async<bool> runChecks(runtime::Executor executor, runtime::Clock& clock,
+                               core::FanControlling& controller, const std::vector<std::string>& log,
+                               SelfTestOutput& output);
 
 } // namespace ventolith::app

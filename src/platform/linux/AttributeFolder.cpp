@@ -1,15 +1,13 @@
 #include "platform/linux/AttributeFolder.h"
 
-#include <dirent.h>
+#include "platform/linux/FolderListing.h"
+
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <memory>
-#include <span>
 #include <utility>
 
 namespace ventolith::platform {
@@ -19,34 +17,35 @@ namespace {
 /// Pipes and terminals among the files must neither block nor take the process over.
 constexpr int openFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
+/// What a folder keeps open at the most, lest chips of a hundred inputs use the process's descriptors up.
+constexpr std::size_t mostOpenFiles = 64;
+
 std::error_code lastError() {
   return {errno, std::generic_category()};
 }
 
-class Descriptor {
-public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (descriptor_ >= 0) ::close(descriptor_);
-  }
-  [[nodiscard]] int get() const { return descriptor_; }
-  [[nodiscard]] bool isOpen() const { return descriptor_ >= 0; }
-  /// For who takes over the closing.
-  [[nodiscard]] int release() { return std::exchange(descriptor_, -1); }
+Descriptor openForReading(int folder, const std::string& file) {
+  return Descriptor(::openat(folder, file.c_str(), O_RDONLY | openFlags));
+}
 
-private:
-  int descriptor_;
-};
-
-/// What one read gives, in `buffer`; none if the file does not read.
-std::optional<std::string_view> readOnce(int folder, const std::string& file, std::span<char> buffer) {
-  const Descriptor descriptor(::openat(folder, file.c_str(), O_RDONLY | openFlags));
-  if (!descriptor.isOpen()) return std::nullopt;
-  const ssize_t count = ::read(descriptor.get(), buffer.data(), buffer.size());
+/// What one read from the start of the file gives, in `buffer`; none if it does not read.
+std::optional<std::string_view> readStart(const Descriptor& file, std::span<char> buffer) {
+  if (!file.isOpen()) return std::nullopt;
+  const ssize_t count = ::pread(file.get(), buffer.data(), buffer.size(), 0);
   if (count < 0) return std::nullopt;
   return std::string_view(buffer.data(), static_cast<std::size_t>(count));
+}
+
+bool isSame(const timespec& one, const timespec& other) {
+  return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
+}
+
+/// Whether `time` is at least a second away from now. File systems tell time in ticks of milliseconds:
+/// a folder that has just changed may change again and bear the same time.
+bool isLongAgo(const timespec& time) {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  return time.tv_sec < now.tv_sec - 1 || time.tv_sec > now.tv_sec + 1;
 }
 
 std::optional<struct stat> statusOf(int folder, const std::string& file) {
@@ -70,72 +69,90 @@ std::optional<std::int64_t> parseInteger(std::string_view text) {
   return value;
 }
 
-AttributeFolder::AttributeFolder(int descriptor, std::filesystem::path path, dev_t device, ino_t inode)
-    : descriptor_(descriptor), path_(std::move(path)), device_(device), inode_(inode) {}
-
-AttributeFolder::AttributeFolder(AttributeFolder&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)),
-      path_(std::move(other.path_)),
-      device_(other.device_),
-      inode_(other.inode_) {}
-
-AttributeFolder& AttributeFolder::operator=(AttributeFolder&& other) noexcept {
-  std::swap(descriptor_, other.descriptor_);
-  std::swap(path_, other.path_);
-  std::swap(device_, other.device_);
-  std::swap(inode_, other.inode_);
-  return *this;
-}
-
-AttributeFolder::~AttributeFolder() {
-  if (descriptor_ >= 0) ::close(descriptor_);
-}
+AttributeFolder::AttributeFolder(Descriptor descriptor, std::filesystem::path path, dev_t device, ino_t inode)
+    : descriptor_(std::move(descriptor)), path_(std::move(path)), device_(device), inode_(inode) {}
 
 std::optional<AttributeFolder> AttributeFolder::open(const std::filesystem::path& path) {
   Descriptor descriptor(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   if (!descriptor.isOpen()) return std::nullopt;
   struct stat status{};
   if (::fstat(descriptor.get(), &status) != 0) return std::nullopt;
-  return AttributeFolder(descriptor.release(), path, status.st_dev, status.st_ino);
+  return AttributeFolder(std::move(descriptor), path, status.st_dev, status.st_ino);
 }
 
 bool AttributeFolder::isStillThere() const {
   struct stat status{};
-  if (::stat(path_.c_str(), &status) != 0) return false;
-  return status.st_dev == device_ && status.st_ino == inode_;
+  const bool isThere =
+      ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
+  if (isThere) {
+    compareWithLastLook(status);
+  } else {
+    openFiles_.clear();
+  }
+  return isThere;
+}
+
+void AttributeFolder::lookAtFiles() const {
+  if (openFiles_.empty()) return;
+  struct stat status{};
+  if (::fstat(descriptor_.get(), &status) == 0) {
+    compareWithLastLook(status);
+  } else {
+    openFiles_.clear();
+  }
+}
+
+void AttributeFolder::compareWithLastLook(const struct stat& status) const {
+  const bool isUnchanged = lastLook_ && lastLook_->isTelling && isSame(lastLook_->modified, status.st_mtim) &&
+                           isSame(lastLook_->changed, status.st_ctim);
+  if (isUnchanged) return;
+  openFiles_.clear();
+  lastLook_ = Look{status.st_mtim, status.st_ctim, isLongAgo(status.st_mtim)};
 }
 
 bool AttributeFolder::has(const std::string& file) const {
-  const auto status = statusOf(descriptor_, file);
+  const auto status = statusOf(descriptor_.get(), file);
   return status && S_ISREG(status->st_mode);
 }
 
 bool AttributeFolder::hasWritable(const std::string& file) const {
-  const auto status = statusOf(descriptor_, file);
+  const auto status = statusOf(descriptor_.get(), file);
   return status && S_ISREG(status->st_mode) && (status->st_mode & 0222) != 0;
 }
 
 bool AttributeFolder::mayWrite(const std::string& file) const {
-  return ::faccessat(descriptor_, file.c_str(), W_OK, AT_EACCESS) == 0;
+  return ::faccessat(descriptor_.get(), file.c_str(), W_OK, AT_EACCESS) == 0;
 }
 
 std::optional<std::int64_t> AttributeFolder::readInteger(const std::string& file) const {
   std::array<char, 32> buffer{};
-  const auto text = readOnce(descriptor_, file, buffer);
+  const auto text = readKept(file, buffer);
   // A full buffer is a file that goes on: no driver writes a number that long.
   if (!text || text->size() == buffer.size()) return std::nullopt;
   return parseInteger(*text);
 }
 
+std::optional<std::string_view> AttributeFolder::readKept(const std::string& file,
+                                                          std::span<char> buffer) const {
+  auto kept = openFiles_.find(file);
+  if (kept == openFiles_.end()) {
+    if (openFiles_.size() >= mostOpenFiles) openFiles_.clear();
+    kept = openFiles_.emplace(file, openForReading(descriptor_.get(), file)).first;
+  }
+  const auto text = readStart(kept->second, buffer);
+  if (!text) openFiles_.erase(kept);
+  return text;
+}
+
 std::optional<std::string> AttributeFolder::readLine(const std::string& file) const {
   std::array<char, 63> buffer{};
-  const auto text = readOnce(descriptor_, file, buffer);
+  const auto text = readStart(openForReading(descriptor_.get(), file), buffer);
   if (!text) return std::nullopt;
   return std::string(withoutTrailingBlanks(text->substr(0, text->find('\n'))));
 }
 
 std::error_code AttributeFolder::write(const std::string& file, std::int64_t value) const {
-  const Descriptor descriptor(::openat(descriptor_, file.c_str(), O_WRONLY | O_TRUNC | openFlags));
+  const Descriptor descriptor(::openat(descriptor_.get(), file.c_str(), O_WRONLY | O_TRUNC | openFlags));
   if (!descriptor.isOpen()) return lastError();
   std::array<char, 24> text{};
   const auto [end, error] = std::to_chars(text.data(), text.data() + text.size() - 1, value);
@@ -148,15 +165,8 @@ std::error_code AttributeFolder::write(const std::string& file, std::int64_t val
 }
 
 std::vector<std::string> AttributeFolder::list() const {
-  std::vector<std::string> names;
-  Descriptor descriptor(::openat(descriptor_, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!descriptor.isOpen()) return names;
-  const std::unique_ptr<DIR, int (*)(DIR*)> folder(::fdopendir(descriptor.get()), ::closedir);
-  if (!folder) return names;
-  static_cast<void>(descriptor.release());
-  while (const dirent* entry = ::readdir(folder.get()))
-    names.emplace_back(entry->d_name);
-  return names;
+  const int folder = ::openat(descriptor_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  return FolderListing(Descriptor(folder)).names();
 }
 
 } // namespace ventolith::platform

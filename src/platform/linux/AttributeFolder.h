@@ -2,11 +2,17 @@
 // a device which takes over the same path is never read or written in its stead.
 #pragma once
 
+#include "platform/linux/Descriptor.h"
+
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstdint>
+#include <ctime>
 #include <filesystem>
+#include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -21,17 +27,20 @@ namespace ventolith::platform {
 /// `text` without blanks, tabs, line ends and zero bytes at its end.
 [[nodiscard]] std::string_view withoutTrailingBlanks(std::string_view text);
 
+/// Files that are read as numbers stay open, since a control loop reads the same few again and again. A
+/// driver's file answers afresh at every read and fails once it is gone. A plain file would be read on after
+/// it was removed or replaced, which is why who reads has to look at the folder from time to time. Belongs
+/// to one thread: reading is const and yet changes which files are open.
 class AttributeFolder {
 public:
   /// None if `path` is no folder that can be opened.
   [[nodiscard]] static std::optional<AttributeFolder> open(const std::filesystem::path& path);
 
-  AttributeFolder(AttributeFolder&& other) noexcept;
-  AttributeFolder& operator=(AttributeFolder&& other) noexcept;
-  ~AttributeFolder();
-
-  /// Whether the path that was opened still leads to this very folder.
+  /// Whether the path that was opened still leads to this very folder. Looks at the files as well.
   [[nodiscard]] bool isStillThere() const;
+
+  /// Makes sure that no file which was removed or replaced by now is read any more.
+  void lookAtFiles() const;
 
   /// Whether `file` is a regular file.
   [[nodiscard]] bool has(const std::string& file) const;
@@ -49,16 +58,30 @@ public:
   /// Replaces the content of an existing file. Never creates one and never waits.
   [[nodiscard]] std::error_code write(const std::string& file, std::int64_t value) const;
 
-  /// The names in the folder, unsorted; empty if it cannot be listed.
+  /// The names in the folder, sorted; empty if it cannot be listed.
   [[nodiscard]] std::vector<std::string> list() const;
 
 private:
-  AttributeFolder(int descriptor, std::filesystem::path path, dev_t device, ino_t inode);
+  /// When files last came to the folder, or left it, as it was found at some look.
+  struct Look {
+    timespec modified;
+    timespec changed;
+    bool isTelling; // Whether any change after the look leaves other times.
+  };
 
-  int descriptor_;
+  AttributeFolder(Descriptor descriptor, std::filesystem::path path, dev_t device, ino_t inode);
+
+  void compareWithLastLook(const struct stat& status) const;
+  /// What one read of a file that is kept open gives, in `buffer`; none if it does not read.
+  [[nodiscard]] std::optional<std::string_view> readKept(const std::string& file,
+                                                         std::span<char> buffer) const;
+
+  Descriptor descriptor_;
   std::filesystem::path path_;
   dev_t device_;
   ino_t inode_;
+  mutable std::map<std::string, Descriptor> openFiles_; // By name, each as it was after `lastLook_`.
+  mutable std::optional<Look> lastLook_;
 };
 
 } // namespace ventolith::platform

@@ -37,7 +37,7 @@ FanControl::FanControl(std::shared_ptr<const HwmonDevice> device, int fan)
     : device_(std::move(device)), fan_(fan), limits_(speedLimits(*device_, fan)) {}
 
 std::error_code FanControl::setSpeedAfterSleep(double rpm) {
-  if (const auto error = take()) return error;
+  if (const auto error = takeAgain()) return error;
   return setSpeed(rpm);
 }
 

@@ -1,4 +1,4 @@
-// How the drivers let a fan be driven: one small class a kind of driver, all with the same five verbs.
+// How the drivers let a fan be driven: one small class a kind of driver, all with the same six verbs.
 #pragma once
 
 #include "platform/linux/HwmonDevice.h"
@@ -51,8 +51,11 @@ public:
 
   [[nodiscard]] virtual FormerControl former() const = 0;
 
-  /// Takes the fan, or makes sure of a fan that was taken: firmware can revert it at any time.
+  /// Takes the fan, whose limits are read first.
   [[nodiscard]] virtual std::error_code take() = 0;
+
+  /// Makes sure of a fan that was taken: firmware can revert it at any time.
+  [[nodiscard]] virtual std::error_code takeAgain() = 0;
 
   /// Drives a taken fan at `rpm`, within what the fan and its driver can do.
   [[nodiscard]] virtual std::error_code setSpeed(double rpm) = 0;
@@ -74,7 +77,7 @@ protected:
   [[nodiscard]] std::string fanFile(const char* suffix) const { return attributeName("fan", fan_, suffix); }
   [[nodiscard]] std::string pwmFile(const char* suffix) const { return attributeName("pwm", fan_, suffix); }
 
-  /// As read at construction, and again at each take().
+  /// As read at construction, and again at take().
   [[nodiscard]] const SpeedLimits& limits() const { return limits_; }
   void refreshLimits();
 

@@ -35,6 +35,10 @@ FormerControl SwitchedFan::former() const {
 
 std::error_code SwitchedFan::take() {
   refreshLimits();
+  return takeAgain();
+}
+
+std::error_code SwitchedFan::takeAgain() {
   return folder().write(switchFile(), manual);
 }
 
@@ -65,12 +69,16 @@ std::optional<std::int64_t> ManualOutputFan::target() const {
 }
 
 std::error_code TargetFan::take() {
-  if (lastWritten_) return folder().write(fanFile("_target"), *lastWritten_);
   refreshLimits();
   const auto running = folder().readInteger(fanFile("_input"));
   const auto speed = running ? running : limits().maximum;
   if (!speed) return notPossible();
   return setSpeed(static_cast<double>(*speed));
+}
+
+std::error_code TargetFan::takeAgain() {
+  if (!lastWritten_) return take();
+  return folder().write(fanFile("_target"), *lastWritten_);
 }
 
 std::error_code TargetFan::setSpeed(double rpm) {

@@ -13,6 +13,7 @@ public:
   [[nodiscard]] std::optional<bool> isManual() const override;
   [[nodiscard]] FormerControl former() const override;
   [[nodiscard]] std::error_code take() override;
+  [[nodiscard]] std::error_code takeAgain() override;
   [[nodiscard]] std::error_code giveBack(const FormerControl& former) override;
 
 protected:
@@ -51,6 +52,7 @@ public:
   [[nodiscard]] FormerControl former() const override { return {}; }
   /// Takes the fan at the speed that it runs, so that it never slows down before it is told to.
   [[nodiscard]] std::error_code take() override;
+  [[nodiscard]] std::error_code takeAgain() override;
   [[nodiscard]] std::error_code setSpeed(double rpm) override;
   [[nodiscard]] std::error_code setSpeedAfterSleep(double rpm) override;
   [[nodiscard]] std::error_code giveBack(const FormerControl& former) override;

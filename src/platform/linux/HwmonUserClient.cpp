@@ -18,6 +18,11 @@ constexpr auto notFound = static_cast<std::uint8_t>(SMCParamStruct::ResultCode::
 constexpr std::uint8_t notWritable = 0x86;
 constexpr KernReturn ioReturnError = static_cast<KernReturn>(0xE00002BCU);
 
+/// While fans are held, devices that come are looked for at one look in so many. It is the dear part of a
+/// look, and can wait: whatever comes, held fans stay the ones that they were, and all that a new device can
+/// change is the number that a fan goes by.
+constexpr unsigned looksPerListing = 8;
+
 constexpr std::size_t mostFans = static_cast<std::size_t>(keys::nameableFans);
 
 /// The root by the one name that it has whatever links led to it.
@@ -206,11 +211,17 @@ HwmonUserClient::Bytes HwmonUserClient::read(const Key& key) {
 
 std::uint8_t HwmonUserClient::readFanCount() {
   if (isAnyClaimed()) {
-    isLost_ = isLost_ || isAnyClaimedGone() || areFansRenumbered();
+    lookWhileClaimed();
   } else {
     discoverWhileIdle();
   }
   return static_cast<std::uint8_t>(fans_.size());
+}
+
+void HwmonUserClient::lookWhileClaimed() {
+  const bool isListingDue = ++looksWhileClaimed_ % looksPerListing == 0;
+  if (isAnyClaimedGone()) isLost_ = true;
+  if (!isLost_ && isListingDue) isLost_ = areFansRenumbered();
 }
 
 KernReturn HwmonUserClient::write(const Key& key, const hardware::SMCBytes& bytes, SMCParamStruct& output) {
@@ -297,26 +308,35 @@ bool HwmonUserClient::isAnyClaimed() const {
   return std::ranges::any_of(fans_, &HwmonFan::isClaimed);
 }
 
-bool HwmonUserClient::isAnyClaimedGone() const {
+bool HwmonUserClient::isAnyClaimedOn(const HwmonDevice& device) const {
   return std::ranges::any_of(
-      fans_, [](const HwmonFan& fan) { return fan.isClaimed() && !fan.device().folder.isStillThere(); });
+      fans_, [&](const HwmonFan& fan) { return fan.isClaimed() && &fan.device() == &device; });
+}
+
+bool HwmonUserClient::isAnyClaimedGone() const {
+  bool isGone = false;
+  for (const auto& device : devices_) {
+    if (!isAnyClaimedOn(*device)) {
+      device->folder.lookAtFiles();
+    } else if (!device->folder.isStillThere()) {
+      isGone = true;
+    }
+  }
+  return isGone;
 }
 
 bool HwmonUserClient::isAnyDeviceGone() const {
   return std::ranges::any_of(devices_, [](const auto& device) { return !device->folder.isStillThere(); });
 }
 
-std::vector<std::string> HwmonUserClient::deviceNames() const {
-  const auto folder = AttributeFolder::open(root_);
-  auto names = folder ? folder->list() : std::vector<std::string>();
-  std::ranges::sort(names);
-  return names;
+std::vector<std::string> HwmonUserClient::deviceNames() {
+  listing_ = FolderListing(root_);
+  return listing_.names();
 }
 
 bool HwmonUserClient::areFansRenumbered() {
-  auto names = deviceNames();
-  if (names == deviceNames_) return false;
-  deviceNames_ = std::move(names);
+  if (listing_.names() == deviceNames_) return false;
+  deviceNames_ = deviceNames(); // By the path, for the root itself may be another one by now.
   return fansInOrder(discoverDevices(root_)) != fansInOrder(devices_);
 }
 

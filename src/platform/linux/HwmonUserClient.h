@@ -4,6 +4,7 @@
 
 #include "hardware/SMCUserClient.h"
 #include "platform/linux/AbsentMachine.h"
+#include "platform/linux/FolderListing.h"
 #include "platform/linux/HwmonFan.h"
 #include "platform/linux/HwmonTemperatures.h"
 
@@ -20,9 +21,13 @@ namespace ventolith::platform {
 ///
 /// The keys are fixed when the devices are looked for: at construction, and again when devices have come,
 /// gone or moved and no fan is held, which is looked at with each read of the number of fans and before each
-/// write. If a held fan's device goes, or fans would no longer go by the same numbers, the machine is
-/// *lost*: no temperature answers any more, so that whoever holds fans gives all of them back; the last one
-/// that is given back starts the machine anew.
+/// write. If a held fan's device goes, which every read of the number of fans notices, or if fans would no
+/// longer go by the same numbers, which every eighth notices, the machine is *lost*: no temperature answers
+/// any more, so that whoever holds fans gives all of them back; the last one that is given back starts the
+/// machine anew.
+///
+/// Files stay open from one read to the next. That one was removed or replaced is noticed with the number of
+/// fans too, so whoever wants what is there now reads that number first.
 class HwmonUserClient final : public hardware::SMCUserClient {
 public:
   /// `stateFolder` is where claims are put on record, if anywhere; `timeAsleep` is how long the machine has
@@ -76,6 +81,8 @@ private:
                                            hardware::SMCParamStruct& output);
 
   [[nodiscard]] std::uint8_t readFanCount();
+  /// Notes that the machine is lost, if it is.
+  void lookWhileClaimed();
   [[nodiscard]] hardware::KernReturn writeMode(HwmonFan& fan, std::uint8_t mode,
                                                hardware::SMCParamStruct& output);
   [[nodiscard]] hardware::KernReturn writeTarget(HwmonFan& fan, double rpm, hardware::SMCParamStruct& output);
@@ -86,9 +93,13 @@ private:
   [[nodiscard]] hardware::KernReturn report(std::error_code error, hardware::SMCParamStruct& output);
 
   [[nodiscard]] bool isAnyClaimed() const;
+  [[nodiscard]] bool isAnyClaimedOn(const HwmonDevice& device) const;
+  /// Whether a device with a claimed fan is gone. Looks at the files of all the others too.
   [[nodiscard]] bool isAnyClaimedGone() const;
+  /// Looks at the files of all devices too, unless one is gone.
   [[nodiscard]] bool isAnyDeviceGone() const;
-  [[nodiscard]] std::vector<std::string> deviceNames() const;
+  /// What stands at the root's path.
+  [[nodiscard]] std::vector<std::string> deviceNames();
   /// Whether devices that have come or gone leave the fans with other numbers than they have here.
   [[nodiscard]] bool areFansRenumbered();
   [[nodiscard]] std::filesystem::path modules() const { return root_ / ".." / ".." / "module"; }
@@ -98,6 +109,7 @@ private:
   ClaimsRecord claims_;
   OpenConnections connections_;
 
+  FolderListing listing_;                // Of the root.
   std::vector<std::string> deviceNames_; // What the root held when it was last looked at.
   std::vector<std::shared_ptr<const HwmonDevice>> devices_;
   std::vector<HwmonFan> fans_; // By fan id.
@@ -107,6 +119,7 @@ private:
   std::set<std::uint32_t> modeKeys_;            // All that there ever were.
 
   std::uint8_t forceTest_ = 0;
+  unsigned looksWhileClaimed_ = 0;
   bool isLost_ = false;
 };
 

@@ -19,6 +19,14 @@ struct DeviceLoss : testing::Test {
   /// What a reader does first; devices that have gone are noticed here.
   static void takeSnapshot(Driver& driver) { ASSERT_TRUE(driver.keys.read("FNum")); }
 
+  static void takeSnapshots(Driver& driver, int count) {
+    for (; count > 0; --count)
+      takeSnapshot(driver);
+  }
+
+  /// As many as it takes until a new device is noticed while a fan is held.
+  static constexpr int untilListed = 8;
+
   void rename(const std::string& from, const std::string& to) const {
     fs::rename(tree.root() / from, tree.root() / to);
   }
@@ -155,8 +163,46 @@ TEST_F(DeviceLoss, NewDeviceThatLeavesTheFansAloneIsNoLoss) {
   tree.set("hwmon9/name", "nvme");
   tree.set("hwmon9/temp1_input", "40000");
 
+  takeSnapshots(driver, 2 * untilListed);
   EXPECT_EQ(driver.keys.read("FNum"), 1);
   EXPECT_EQ(driver.keys.read("TCHP"), 50);
+}
+
+TEST_F(DeviceLoss, NewDevicesAreLookedForAtEveryEighthSnapshotWhileAFanIsHeld) {
+  Driver driver(tree);
+  takeSnapshots(driver, 3); // Of no account, since nothing is held yet.
+  driver.keys.write("F0Md", 1);
+  takeSnapshots(driver, untilListed);
+  tree.addIntelMac("hwmon9");
+
+  takeSnapshots(driver, untilListed - 1);
+  EXPECT_EQ(driver.keys.read("TCHP"), 50);
+
+  takeSnapshot(driver);
+  EXPECT_EQ(driver.keys.read("TCHP"), std::nullopt);
+}
+
+TEST_F(DeviceLoss, NewDeviceIsNoticedInARootThatWasMadeAnew) {
+  const HwmonTree links;
+  links.addMainBoard("../../devices/board");
+  links.addProcessor("../../devices/processor");
+  const auto makeRoot = [&] {
+    fs::remove_all(links.root());
+    fs::create_directory(links.root());
+    fs::create_directory_symlink("../../devices/board", links.root() / "hwmon0");
+    fs::create_directory_symlink("../../devices/processor", links.root() / "hwmon1");
+  };
+  makeRoot();
+  Driver driver(links);
+  ASSERT_EQ(driver.keys.write("F0Md", 1), applied);
+  makeRoot();
+  takeSnapshots(driver, untilListed);
+  ASSERT_EQ(driver.keys.read("TCHP"), 50);
+
+  links.addIntelMac("hwmon9");
+
+  takeSnapshots(driver, untilListed);
+  EXPECT_EQ(driver.keys.read("TCHP"), std::nullopt);
 }
 
 TEST_F(DeviceLoss, NewDeviceWhoseFanTakesTheNumberOfAHeldOneIsALoss) {
@@ -165,7 +211,7 @@ TEST_F(DeviceLoss, NewDeviceWhoseFanTakesTheNumberOfAHeldOneIsALoss) {
 
   tree.addIntelMac("hwmon9");
 
-  takeSnapshot(driver);
+  takeSnapshots(driver, untilListed);
   EXPECT_EQ(driver.keys.read("TCHP"), std::nullopt);
   EXPECT_EQ(driver.keys.write("F0Md", 0), applied);
   EXPECT_EQ(tree.text("hwmon2/pwm1_enable"), "5");

@@ -20,7 +20,7 @@ struct FanDrivers : testing::Test {
 TEST_F(FanDrivers, IntelMacIsTakenByTheManualFileAndDrivenByTheOutputFile) {
   tree.addIntelMac("hwmon0");
   Driver driver(tree);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
   EXPECT_EQ(driver.keys.writeFloat("F0Tg", 3000.4), applied);
@@ -49,7 +49,7 @@ TEST_F(FanDrivers, IntelMacIsGivenBackByTheManualFileAlone) {
   Driver driver(tree);
   driver.keys.write("F0Md", 1);
   driver.keys.writeFloat("F0Tg", 3000);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.write("F0Md", 0), applied);
 
@@ -168,7 +168,7 @@ TEST_F(FanDrivers, AppleSiliconIsShownOnlyWhereTheModuleParameterForbidsControl)
 TEST_F(FanDrivers, GraphicsCardIsTakenByItsEnableFileAndNotByItsDuty) {
   tree.addGraphicsCard("hwmon0");
   Driver driver(tree);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
   EXPECT_EQ(driver.keys.writeFloat("F0Tg", 2000), applied);
@@ -183,7 +183,7 @@ TEST_F(FanDrivers, GraphicsCardIsTakenByItsEnableFileAndNotByItsDuty) {
 TEST_F(FanDrivers, GraphicsCardThatNobodyHoldsStaysUntouched) {
   tree.addGraphicsCard("hwmon0");
   Driver driver(tree);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.write("F0Md", 0), applied);
 
@@ -195,7 +195,7 @@ TEST_F(FanDrivers, GraphicsCardThatNobodyHoldsStaysUntouched) {
 TEST_F(FanDrivers, MainBoardIsDrivenByDutyAndGetsItsOwnAutomaticModeBack) {
   tree.addMainBoard("hwmon0");
   Driver driver(tree);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
   EXPECT_EQ(text("pwm1_enable"), "1");
@@ -233,7 +233,7 @@ TEST_F(FanDrivers, MainBoardManualBeforeTheClaimGetsItsDutyBack) {
   tree.set("hwmon0/pwm1_enable", "1");
   tree.set("hwmon0/pwm1", "200");
   Driver driver(tree);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   driver.keys.write("F0Md", 1);
   driver.keys.writeFloat("F0Tg", 100);

@@ -73,13 +73,13 @@ TEST_F(FanKinds, IntelMacOfUnknownMaximumTakesWhatItsDriverCanWrite) {
   EXPECT_EQ(text("fan1_output"), "16383");
 }
 
-struct SleepCase {
+struct WritesCase {
   const char* name;
   void (HwmonTree::*add)(const std::string&) const;
   Names written;
 };
 
-class AfterSleep : public testing::TestWithParam<SleepCase> {};
+class AfterSleep : public testing::TestWithParam<WritesCase> {};
 
 TEST_P(AfterSleep, NextTargetTakesTheFanAnewOnce) {
   const HwmonTree tree;
@@ -88,7 +88,7 @@ TEST_P(AfterSleep, NextTargetTakesTheFanAnewOnce) {
   driver.keys.write("F0Md", 1);
   driver.keys.writeFloat("F0Tg", 1500);
   driver.asleep += std::chrono::seconds(60);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.writeFloat("F0Tg", 1600), applied);
   EXPECT_EQ(watch.written(), GetParam().written);
@@ -99,11 +99,45 @@ TEST_P(AfterSleep, NextTargetTakesTheFanAnewOnce) {
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, AfterSleep,
-    testing::Values(SleepCase{"IntelMac", intelMac, {"fan1_manual", "fan1_output"}},
-                    SleepCase{"AppleSilicon", appleSilicon, {"fan1_target", "fan1_target"}},
-                    SleepCase{"GraphicsCard", graphicsCard, {"fan1_enable", "fan1_target"}},
-                    SleepCase{"MainBoard", mainBoard, {"pwm1_enable", "pwm1"}}),
-    [](const testing::TestParamInfo<SleepCase>& info) { return info.param.name; });
+    testing::Values(WritesCase{"IntelMac", intelMac, {"fan1_manual", "fan1_output"}},
+                    WritesCase{"AppleSilicon", appleSilicon, {"fan1_target", "fan1_target"}},
+                    WritesCase{"GraphicsCard", graphicsCard, {"fan1_enable", "fan1_target"}},
+                    WritesCase{"MainBoard", mainBoard, {"pwm1_enable", "pwm1"}}),
+    [](const testing::TestParamInfo<WritesCase>& info) { return info.param.name; });
+
+class Reassertions : public testing::TestWithParam<WritesCase> {};
+
+TEST_P(Reassertions, WriteOneFileAndReadNone) {
+  const HwmonTree tree;
+  (tree.*GetParam().add)("hwmon0");
+  Driver driver(tree);
+  driver.keys.write("F0Md", 1);
+  FileWatch writes(tree.root() / "hwmon0");
+  FileWatch reads(tree.root() / "hwmon0");
+
+  EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
+
+  EXPECT_EQ(writes.written(), GetParam().written);
+  EXPECT_EQ(reads.read(), Names{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, Reassertions,
+                         testing::Values(WritesCase{"IntelMac", intelMac, {"fan1_manual"}},
+                                         WritesCase{"AppleSilicon", appleSilicon, {"fan1_target"}},
+                                         WritesCase{"GraphicsCard", graphicsCard, {"fan1_enable"}},
+                                         WritesCase{"MainBoard", mainBoard, {"pwm1_enable"}}),
+                         [](const testing::TestParamInfo<WritesCase>& info) { return info.param.name; });
+
+TEST_F(FanKinds, ClaimGoesByTheLimitsAsTheyAreThen) {
+  tree.addGraphicsCard("hwmon0");
+  Driver driver(tree);
+  tree.set("hwmon0/fan1_max", "2500");
+  ASSERT_EQ(driver.keys.write("F0Md", 1), applied);
+
+  driver.keys.writeFloat("F0Tg", 9000);
+
+  EXPECT_EQ(text("fan1_target"), "2500");
+}
 
 TEST_F(FanKinds, ClocksThatDifferByLessThanHalfASecondAreNoSleep) {
   tree.addIntelMac("hwmon0");
@@ -111,7 +145,7 @@ TEST_F(FanKinds, ClocksThatDifferByLessThanHalfASecondAreNoSleep) {
   driver.keys.write("F0Md", 1);
   driver.keys.writeFloat("F0Tg", 1500);
   driver.asleep += std::chrono::milliseconds(500);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   driver.keys.writeFloat("F0Tg", 1600);
 

@@ -165,18 +165,30 @@ Answer Keys::call(const SMCParamStruct& input, SMCParamStruct& output) {
   return {returned, output.result};
 }
 
-WriteWatch::WriteWatch(const fs::path& folder) : descriptor_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+FileWatch::FileWatch(const fs::path& folder) : descriptor_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
   // With the openings between them, two writes of one file are told apart.
-  if (::inotify_add_watch(descriptor_, folder.c_str(), IN_OPEN | IN_CLOSE_WRITE) < 0) {
+  if (::inotify_add_watch(descriptor_, folder.c_str(), IN_OPEN | IN_ACCESS | IN_CLOSE_WRITE) < 0) {
     throw std::runtime_error("cannot watch " + folder.string());
   }
 }
 
-WriteWatch::~WriteWatch() {
+FileWatch::~FileWatch() {
   ::close(descriptor_);
 }
 
-std::vector<std::string> WriteWatch::written() {
+std::vector<std::string> FileWatch::written() {
+  return names(IN_CLOSE_WRITE);
+}
+
+std::vector<std::string> FileWatch::read() {
+  return names(IN_ACCESS);
+}
+
+std::vector<std::string> FileWatch::opened() {
+  return names(IN_OPEN);
+}
+
+std::vector<std::string> FileWatch::names(unsigned wanted) {
   std::vector<std::string> names;
   alignas(inotify_event) std::array<char, 65536> buffer{};
   const ssize_t length = ::read(descriptor_, buffer.data(), buffer.size());
@@ -184,7 +196,7 @@ std::vector<std::string> WriteWatch::written() {
     inotify_event event{};
     std::memcpy(&event, buffer.data() + place, sizeof event);
     const char* name = buffer.data() + place + sizeof event;
-    if ((event.mask & IN_CLOSE_WRITE) != 0) names.emplace_back(name);
+    if ((event.mask & wanted) != 0 && event.len > 0) names.emplace_back(name);
     place += static_cast<ssize_t>(sizeof event + event.len);
   }
   return names;

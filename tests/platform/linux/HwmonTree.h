@@ -83,18 +83,21 @@ struct Driver {
   Keys keys;
 };
 
-/// Names the files of a folder that are written, in order.
-class WriteWatch {
+/// Names the files of a folder that are used, in order. Each answer is about the time since the last.
+class FileWatch {
 public:
-  explicit WriteWatch(const std::filesystem::path& folder);
-  WriteWatch(const WriteWatch&) = delete;
-  WriteWatch& operator=(const WriteWatch&) = delete;
-  ~WriteWatch();
+  explicit FileWatch(const std::filesystem::path& folder);
+  FileWatch(const FileWatch&) = delete;
+  FileWatch& operator=(const FileWatch&) = delete;
+  ~FileWatch();
 
-  /// Since the last call.
   [[nodiscard]] std::vector<std::string> written();
+  [[nodiscard]] std::vector<std::string> read(); // Files that are empty read without being named.
+  [[nodiscard]] std::vector<std::string> opened();
 
 private:
+  [[nodiscard]] std::vector<std::string> names(unsigned wanted);
+
   int descriptor_;
 };
 

@@ -81,7 +81,7 @@ TEST(HwmonUserClient, ForceTestReadsBackAndDoesNothing) {
   const HwmonTree tree;
   tree.addIntelMac("hwmon0");
   Driver driver(tree);
-  WriteWatch watch(tree.root() / "hwmon0");
+  FileWatch watch(tree.root() / "hwmon0");
 
   EXPECT_EQ(driver.keys.write("Ftst", 1), applied);
 
