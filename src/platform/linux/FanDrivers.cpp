@@ -45,8 +45,9 @@ std::error_code SwitchedFan::takeAgain() {
 std::error_code SwitchedFan::giveBack(const FormerControl& former) {
   if (!former.enable) return switchToAutomatic();
   if (const auto error = folder().write(switchFile(), *former.enable)) return error;
-  if (!former.isManual() || !former.speed) return {};
-  return folder().write(speedFile(), *former.speed);
+  if (!former.isManual()) return {};
+  // Manual control with our own speed in it would be nobody's.
+  return former.speed ? folder().write(speedFile(), *former.speed) : switchToAutomatic();
 }
 
 std::error_code SwitchedFan::switchToAutomatic() {
@@ -117,7 +118,7 @@ std::error_code EnabledTargetFan::setSpeed(double rpm) {
 }
 
 std::error_code EnabledTargetFan::giveBackUnknown() {
-  if (isManual() != true) return {};
+  if (isManual() == std::optional(false)) return {};
   return switchToAutomatic();
 }
 
@@ -136,7 +137,7 @@ std::error_code DutyFan::setSpeed(double rpm) {
 }
 
 std::error_code DutyFan::giveBackUnknown() {
-  if (isManual() != true) return {};
+  if (isManual() == std::optional(false)) return {};
   return switchToAutomatic();
 }
 

@@ -29,7 +29,8 @@ std::uint8_t HwmonFan::mode() const {
   namespace keys = hardware::fankeys;
   const auto isManual = control_->isManual();
   if (!isClaimed()) return isManual.value_or(false) ? keys::modeManual : keys::modeAutomatic;
-  return isManual.value_or(true) ? keys::modeManual : keys::modeReclaimed;
+  const bool isOurs = isManual.value_or(true) && !isTargetRefused_;
+  return isOurs ? keys::modeManual : keys::modeReclaimed;
 }
 
 std::error_code HwmonFan::take(ClaimsRecord& claims) {
@@ -51,6 +52,7 @@ std::error_code HwmonFan::take(ClaimsRecord& claims) {
 std::error_code HwmonFan::setSpeed(double rpm, runtime::Duration asleep) {
   const bool hasSlept = asleepAtLastTarget_ && asleep - *asleepAtLastTarget_ > shortestSleep;
   const auto error = hasSlept ? control_->setSpeedAfterSleep(rpm) : control_->setSpeed(rpm);
+  isTargetRefused_ = static_cast<bool>(error);
   if (!error) asleepAtLastTarget_ = asleep;
   return error;
 }
@@ -66,6 +68,7 @@ std::error_code HwmonFan::giveBackThrough(FanControl& control, ClaimsRecord& cla
 
 void HwmonFan::forget(ClaimsRecord& claims) {
   former_.reset();
+  isTargetRefused_ = false;
   claims.remove(identity_);
 }
 

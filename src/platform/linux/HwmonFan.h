@@ -25,7 +25,7 @@ public:
   // The rest is of fans that are controllable.
 
   /// The mode as a Mac's firmware tells it: manual, automatic, or reclaimed where a fan that is claimed
-  /// here has left manual control by itself.
+  /// here has left manual control by itself, or takes no speed.
   [[nodiscard]] std::uint8_t mode() const;
 
   [[nodiscard]] std::optional<std::int64_t> target() const { return control_->target(); }
@@ -53,6 +53,7 @@ private:
   FanIdentity identity_;
   std::optional<FormerControl> former_; // Of a claimed fan.
   std::optional<runtime::Duration> asleepAtLastTarget_;
+  bool isTargetRefused_ = false; // The last one was: the fan does not do what it is told.
   /// Whether the fan was in somebody else's manual control before, and was left there.
   bool isLeftManual_ = false;
 };

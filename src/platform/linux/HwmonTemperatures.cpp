@@ -128,8 +128,18 @@ TemperatureKey processorKey(const Devices& devices) {
     for (TemperatureKey::Source& source : sourcesOf(device, Part::processor))
       sources.push_back(std::move(source));
   }
-  if (TemperatureKey key(processorName, std::move(sources)); key.celsius()) return key;
-  return {processorName, processorProbes(devices)};
+  return {processorName, std::move(sources), processorProbes(devices)};
+}
+
+std::optional<double> hottestOf(const Sources& sources) {
+  std::optional<double> hottest;
+  for (const TemperatureKey::Source& source : sources) {
+    const auto thousandths = source.device->folder.readInteger(source.file);
+    if (!thousandths || *thousandths <= -40'000 || *thousandths > 150'000) continue;
+    const double celsius = static_cast<double>(*thousandths) / 1000.0;
+    if (!hottest || celsius > *hottest) hottest = celsius;
+  }
+  return hottest;
 }
 
 /// Collects keys, each name once, and numbers those that are made up.
@@ -171,15 +181,13 @@ private:
 
 } // namespace
 
+bool TemperatureKey::isProcessor() const {
+  return key_ == processorName;
+}
+
 std::optional<double> TemperatureKey::celsius() const {
-  std::optional<double> hottest;
-  for (const Source& source : sources_) {
-    const auto thousandths = source.device->folder.readInteger(source.file);
-    if (!thousandths || *thousandths <= -40'000 || *thousandths > 150'000) continue;
-    const double celsius = static_cast<double>(*thousandths) / 1000.0;
-    if (!hottest || celsius > *hottest) hottest = celsius;
-  }
-  return hottest;
+  const auto hottest = hottestOf(sources_);
+  return hottest ? hottest : hottestOf(standIns_);
 }
 
 std::vector<TemperatureKey> temperatureKeys(const Devices& devices) {
@@ -187,7 +195,7 @@ std::vector<TemperatureKey> temperatureKeys(const Devices& devices) {
   KeyList keys;
   for (const TemperatureKey& key : own)
     keys.reserve(key.key());
-  if (TemperatureKey key = processorKey(devices); key.celsius()) keys.add(std::move(key));
+  if (TemperatureKey key = processorKey(devices); key.hasSources()) keys.add(std::move(key));
   keys.addNumbered(devices, Part::graphics, "TG", 'D');
   keys.addNumbered(devices, Part::drive, "TD", '0');
   keys.addNumbered(devices, Part::battery, "TB", 'T');

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <utility>
 
 namespace ventolith::platform {
 
@@ -23,6 +24,7 @@ constexpr KernReturn ioReturnError = static_cast<KernReturn>(0xE00002BCU);
 /// change is the number that a fan goes by.
 constexpr unsigned looksPerListing = 8;
 
+constexpr int mostProcessorFailures = 2; // Snapshots in a row.
 constexpr std::size_t mostFans = static_cast<std::size_t>(keys::nameableFans);
 
 /// The root by the one name that it has whatever links led to it.
@@ -104,6 +106,10 @@ void HwmonUserClient::discover() {
   for (const std::uint32_t key : modeKeys_)
     keys_.emplace(key, Key{Role::retiredMode});
   isLost_ = false;
+  hasProcessorRead_ = std::ranges::any_of(
+      temperatures_, [](const TemperatureKey& key) { return key.isProcessor() && key.celsius(); });
+  hasProcessorFailed_ = false;
+  processorFailures_ = 0;
 }
 
 void HwmonUserClient::discoverWhileIdle() {
@@ -205,8 +211,21 @@ HwmonUserClient::Bytes HwmonUserClient::read(const Key& key) {
   case Role::retiredMode: return std::nullopt;
   case Role::temperature: break;
   }
+  return readTemperature(temperatures_[key.place]);
+}
+
+HwmonUserClient::Bytes HwmonUserClient::readTemperature(const TemperatureKey& key) {
   if (isLost_) return std::nullopt;
-  return encodeFloat(temperatures_[key.place].celsius());
+  const auto celsius = key.celsius();
+  if (!key.isProcessor()) return encodeFloat(celsius);
+  if (celsius) {
+    hasProcessorRead_ = true;
+    return encodeFloat(celsius);
+  }
+  hasProcessorFailed_ = true;
+  // A processor that does not read yet has its key all the same, so that who looks for the keys once finds
+  // it: zero is how a sensor says that it is not there.
+  return hasProcessorRead_ ? std::nullopt : encodeFloat(std::optional(0.0));
 }
 
 std::uint8_t HwmonUserClient::readFanCount() {
@@ -221,6 +240,9 @@ std::uint8_t HwmonUserClient::readFanCount() {
 void HwmonUserClient::lookWhileClaimed() {
   const bool isListingDue = ++looksWhileClaimed_ % looksPerListing == 0;
   if (isAnyClaimedGone()) isLost_ = true;
+  // A processor that fell silent under held fans must not leave them to cooler sensors.
+  processorFailures_ = std::exchange(hasProcessorFailed_, false) ? processorFailures_ + 1 : 0;
+  if (hasProcessorRead_ && processorFailures_ >= mostProcessorFailures) isLost_ = true;
   if (!isLost_ && isListingDue) isLost_ = areFansRenumbered();
 }
 

@@ -80,6 +80,7 @@ private:
   [[nodiscard]] hardware::KernReturn write(const Key& key, const hardware::SMCBytes& bytes,
                                            hardware::SMCParamStruct& output);
 
+  [[nodiscard]] Bytes readTemperature(const TemperatureKey& key);
   [[nodiscard]] std::uint8_t readFanCount();
   /// Notes that the machine is lost, if it is.
   void lookWhileClaimed();
@@ -121,6 +122,11 @@ private:
   std::uint8_t forceTest_ = 0;
   unsigned looksWhileClaimed_ = 0;
   bool isLost_ = false;
+  // Of the processor's temperature: whether it ever read, whether it failed since the fans were last
+  // counted, and how many counts in a row it has failed for.
+  bool hasProcessorRead_ = false;
+  bool hasProcessorFailed_ = false;
+  int processorFailures_ = 0;
 };
 
 } // namespace ventolith::platform

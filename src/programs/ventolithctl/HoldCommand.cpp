@@ -190,8 +190,9 @@ Async<ExitStatus> holdPlan(const core::FanControlPlan& plan, const HoldOptions& 
     if (holdsNothing && std::holds_alternative<ControlResult::Failed>((*result)->value))
       co_return ExitStatus::failed;
   }
-  if (wasHolding) co_return ExitStatus::done;
-  warn(context, "no fan was held" + (*result ? ": " + (*result)->text() : std::string(" yet")));
+  const bool isRefused = *result && **result != ControlResult::applied;
+  if (wasHolding || !isRefused) co_return ExitStatus::done; // Ended, perhaps in the middle of a claim.
+  warn(context, "no fan was held: " + (*result)->text());
   co_return ExitStatus::failed;
 }
 

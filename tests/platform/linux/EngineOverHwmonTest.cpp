@@ -104,6 +104,19 @@ TEST_F(EngineOverHwmon, HeldDeviceThatIsUnpluggedEndsInTheMissingTemperatureWatc
   EXPECT_EQ(tree.text("hwmon2/pwm1_enable"), "5");
 }
 
+TEST_F(EngineOverHwmon, ProcessorThatFallsSilentUnderHeldFansEndsInTheMissingTemperatureWatchdog) {
+  tree.set("hwmon9/name", "nvme"); // A cooler sensor that reads on.
+  tree.set("hwmon9/temp1_input", "40000");
+  Helper helper(tree);
+  holdBoth(helper);
+
+  tree.remove("hwmon0/temp1_input");
+  helper.pass(10s);
+
+  EXPECT_EQ(helper.state().lastError, "temperature data unavailable — released to Auto");
+  expectBothGivenBack();
+}
+
 TEST_F(EngineOverHwmon, HeldDeviceThatIsRenumberedIsGivenBackAndCanBeHeldAgain) {
   Helper helper(tree);
   holdBoth(helper);

@@ -162,13 +162,16 @@ TEST(HwmonTemperatures, MacsProbesStandInForAProcessorWithoutSensors) {
   EXPECT_EQ(driver.keys.read("TC0D"), 61);
 }
 
-TEST(HwmonTemperatures, ProcessorHasNoKeyWhereNothingPlausibleReads) {
+TEST(HwmonTemperatures, ProcessorThatDoesNotReadYetHasItsKeyAndReadsZero) {
   const HwmonTree tree;
   tree.addProcessor("hwmon0");
   tree.set("hwmon0/temp1_input", "-127000");
   Driver driver(tree);
+  EXPECT_EQ(driver.keys.typeOf("TCHP"), "flt ");
+  EXPECT_EQ(driver.keys.read("TCHP"), 0.0);
 
-  EXPECT_EQ(driver.keys.typeOf("TCHP"), "");
+  tree.set("hwmon0/temp1_input", "61000");
+  EXPECT_EQ(driver.keys.read("TCHP"), 61.0);
 }
 
 } // namespace

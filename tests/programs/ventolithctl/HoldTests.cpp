@@ -13,7 +13,8 @@ protected:
 
   void useMachine(const std::string& name) {
     mac = simulated::makeSimulatedMac(name, clock, 1);
-    mac->setJournal([this](const simulated::JournalEntry& entry) { journal += simulated::journalLine(entry) + "\n"; });
+    mac->setJournal(
+        [this](const simulated::JournalEntry& entry) { journal += simulated::journalLine(entry) + "\n"; });
     context.selectMachine = [this] { return simulated::simulatedMachine(mac); };
   }
 
@@ -23,7 +24,8 @@ protected:
 
   [[nodiscard]] std::size_t countOf(const std::string& part) const {
     std::size_t count = 0;
-    for (const std::string& line : linesOf(journal)) count += line.find(part) != std::string::npos ? 1U : 0U;
+    for (const std::string& line : linesOf(journal))
+      count += line.find(part) != std::string::npos ? 1U : 0U;
     return count;
   }
 
@@ -51,7 +53,8 @@ TEST_F(HoldCommand, NeverWaitsForAReaderWhileFansAreHeld) {
   });
   EXPECT_EQ(hold(fanAt3000, "60"), ExitStatus::failed);
   EXPECT_EQ(textWhenReleased, ""); // Nothing could be said by then,
-  EXPECT_NE(out.text.find("thermal ceiling 99°C exceeded — released to Auto"), std::string::npos); // and all is, after.
+  EXPECT_NE(out.text.find("thermal ceiling 99°C exceeded — released to Auto"),
+            std::string::npos); // and all is, after.
   EXPECT_LT(clock.now() - runtime::Instant(std::chrono::hours(1)), std::chrono::seconds(20));
 }
 
@@ -76,10 +79,10 @@ TEST_F(HoldCommand, OfAPlanThatHoldsNothingSaysSoAndIsDone) {
 }
 
 TEST_F(HoldCommand, ThatNeverHeldAFanIsAFailure) {
-  mac->refuseWrites("F0md", 0x82);
-  mac->runLine(R"({"at":3,"refuse":{"F0md":null}})");
-  EXPECT_EQ(hold(fanAt3000, "2"), ExitStatus::failed);
-  EXPECT_NE(err.text.find("no fan was held"), std::string::npos) << err.text;
+  mac->refuseWrites("F0md", 5);
+  mac->runLine(R"({"at":4,"refuse":{"F0md":null}})");
+  EXPECT_EQ(hold(fanAt3000, "3"), ExitStatus::failed);
+  EXPECT_NE(err.text.find("no fan was held: rejected(code: 5)"), std::string::npos) << err.text;
 }
 
 TEST_F(HoldCommand, TakesNoTimeThatIsNotANumber) {
