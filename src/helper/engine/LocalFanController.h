@@ -36,8 +36,8 @@ public:
   static constexpr runtime::Duration releaseRetryPeriod = std::chrono::seconds(2);
 
   /// Writes through `smc` and reads through `sensors`, both given open; `privileges` says whether this
-  /// process may write at all. All of them outlive
-  /// the controller, its loops included.
+  /// process may write at all. All of them outlive the
+  /// controller, which its loops may keep beyond its owner.
   LocalFanController(const runtime::Executor& executor, runtime::Clock& clock, hardware::SMCWriting& smc,
                      hardware::SensorReading& sensors, const hardware::Privileges& privileges);
 

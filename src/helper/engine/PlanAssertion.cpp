@@ -39,6 +39,8 @@ const FanControlModePlan* modeIn(const FanControlPlan& plan, FanID fan) {
 
 Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
   if (!privileges_.mayControlFans()) co_return ControlResult::notPrivileged;
+  // A release that runs from here on has the last word, and its own report.
+  const Generation generation = releaseGeneration_;
   standDownRetry();
   activePlan_ = plan;
   monitoredFans_ = controlledFans(plan);
@@ -48,8 +50,6 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
                [this](FanID fan) { return !monitoredFans_.contains(fan); });
   if (auto error = co_await releasePendingAutoFans(directCommand)) publishState(true, std::move(error));
 
-  // A release that runs from here on has the last word, and its own report.
-  const Generation generation = releaseGeneration_;
   const ControlResult result = co_await claimPlannedFans(plan, generation);
   if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
   if (claimedFans_.empty() && monitoredFans_.empty()) {

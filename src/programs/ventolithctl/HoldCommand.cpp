@@ -145,7 +145,7 @@ Async<ControlResult> giveBack(helper::LocalFanController& controller, Context& c
 
 Async<bool> hasFans(hardware::SMCConnection& smc) {
   const auto count = co_await smc.tryReadValue(hardware::fankeys::fanCount);
-  co_return count&& hardware::fankeys::fanCountOf(count->numeric()).value_or(0) > 0;
+  co_return count.has_value() && hardware::fankeys::fanCountOf(count->numeric()).value_or(0) > 0;
 }
 
 bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan) {
@@ -251,10 +251,9 @@ void addHold(CLI::App& app, Context& context) {
       ->check(durationRange());
   command->add_flag("--json", options->asJSON, "Each state of the controller as a JSON line");
   command->footer(
-      "Ends with 0 only when every fan is back with the firmware. Ends with 3, the fans given back, when a\n"
-      "watchdog had to release them: at 95 °C, and when two readings in a row give no temperature; and when "
-      "no\n"
-      "fan could be held.");
+      "Ends with 0 only when every fan is back with the firmware. Ends with 3, the fans given back, when\n"
+      "no fan could be held, and when a watchdog had to release them: at 95 °C, and when two readings in\n"
+      "a row give no temperature.");
   command->callback([&context, options] {
     context.command = [&context, options] {
       context.insistOnFinishing();

@@ -84,6 +84,15 @@ TEST_F(OvertakenTest, AReleaseThatIsOvertakenLeavesTheLatchToTheNewerPlan) {
   EXPECT_EQ(std::count(writes.begin(), writes.end(), "Ftst=0"), 0);
 }
 
+TEST_F(OvertakenTest, AReleaseWhileAPlanLetsItsOldFansGoKeepsItFromClaimingNewOnes) {
+  run(controller->applyPlan(fixed({{0, 3000}})));
+  at("F0Md=0", [this] { return controller->restoreAuto(); });
+  EXPECT_EQ(run(controller->applyPlan(fixed({{1, 4000}}))), ControlResult::reclaimed);
+  pass(10);
+  EXPECT_EQ(smc.count("F1Md=1"), 0);
+  EXPECT_EQ(state(), ControlState::idle);
+}
+
 TEST_F(OvertakenTest, AFanThatRefusesToGoBackInAnOvertakenReleaseIsRetried) {
   run(controller->applyPlan(fixed({{0, 3000}, {1, 3000}})));
   smc.refuseForEver("F1Md=0", 5);
