@@ -116,4 +116,9 @@ auto readList(const JSONReader& list, Read read) {
 /// std::invalid_argument on a number that is not finite, for which JSON has no form.
 [[nodiscard]] std::string writeJSON(const JSON& document);
 
+/// Writes `document` for a file that people open: as writeJSON does and fails, but a line for each member
+/// and element, two spaces deeper than what it stands in, a space on both sides of a colon, an empty line in
+/// what is empty, and slashes escaped. No end of line follows the last line.
+[[nodiscard]] std::string writePrettyJSON(const JSON& document);
+
 } // namespace ventolith::core

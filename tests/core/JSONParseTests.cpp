@@ -180,6 +180,23 @@ TEST(JSONParse, ValuesAreAllowedUpToTheirBound) {
   EXPECT_EQ(refusal(zeros(65536)), "more than 65536 values");
 }
 
+/// Work that grows with the square of the text would take minutes here, beyond any test's time.
+TEST(JSONParse, ManyObjectsTakeTimeInProportion) {
+  constexpr std::size_t count = 200'000;
+  const std::string text = "[" + repeated("{\"a\":[]},", count) + "{}]";
+  const JSON document = parseJSON(text, {.bytes = text.size(), .values = 3 * count});
+  EXPECT_EQ(document.size(), count + 1);
+  EXPECT_EQ(writeJSON(document), text);
+}
+
+TEST(JSONParse, ValuesOfEveryTypeStandWhereTheyStood) {
+  const std::string text =
+      R"({"a":{"b":[1,-2,2.5,"x",null,true,[],{},[[{"c":false}]]],"d":{}},"e":{"a":"last"}})";
+  EXPECT_EQ(writeJSON(parseJSON(text)), text);
+  for (const std::string lone : {"1", "-1", "0.5", "\"x\"", "null", "true", "[]", "{}"})
+    EXPECT_EQ(writeJSON(parseJSON(lone)), lone);
+}
+
 TEST(JSONParse, BoundsAreTheCallers) {
   const JSONBounds narrow{.bytes = 20, .depth = 2, .membersOfAnObject = 2, .values = 4};
   EXPECT_EQ(refusal(R"({"a":1,"b":[2]})", narrow), "");

@@ -66,5 +66,73 @@ TEST(JSONWriter, InvalidUTF8IsReplaced) {
   EXPECT_EQ(writeJSON(document), "{\"\xEF\xBF\xBD\":\"x\"}");
 }
 
+TEST(PrettyJSONWriter, EachMemberAndElementHasALineOfItsOwn) {
+  const JSON document = parseJSON(R"({"b":[1,true,{"x":"y"}],"a":null,"c":{"d":[[2.5]]}})");
+  EXPECT_EQ(writePrettyJSON(document), R"({
+  "b" : [
+    1,
+    true,
+    {
+      "x" : "y"
+    }
+  ],
+  "a" : null,
+  "c" : {
+    "d" : [
+      [
+        2.5
+      ]
+    ]
+  }
+})");
+}
+
+TEST(PrettyJSONWriter, EmptyListsAndObjectsHoldAnEmptyLine) {
+  EXPECT_EQ(writePrettyJSON(JSON::array()), "[\n\n]");
+  EXPECT_EQ(writePrettyJSON(JSON::object()), "{\n\n}");
+  EXPECT_EQ(writePrettyJSON(parseJSON(R"({"a":[],"b":[{}]})")),
+            "{\n  \"a\" : [\n\n  ],\n  \"b\" : [\n    {\n\n    }\n  ]\n}");
+}
+
+TEST(PrettyJSONWriter, LoneValueStandsAsItIs) {
+  EXPECT_EQ(writePrettyJSON(JSON("a")), "\"a\"");
+  EXPECT_EQ(writePrettyJSON(JSON(400.0)), "400");
+}
+
+TEST(PrettyJSONWriter, StringsAreEscapedAndStayUTF8) {
+  struct Row {
+    const char* string;
+    const char* text;
+  };
+  const Row rows[] = {
+      {"a/b", R"("a\/b")"},
+      {"//", R"("\/\/")"},
+      {"\\/", R"("\\\/")"},
+      {"say \"/\"", R"("say \"\/\"")"},
+      {"Lüfter 🌀", "\"Lüfter 🌀\""},
+      {"\b\f\n\r\t", R"("\b\f\n\r\t")"},
+      {"\x01\x1f", R"("\u0001\u001f")"},
+      {"\x7f", "\"\x7f\""},
+      {"a\xFF", "\"a\xEF\xBF\xBD\""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(writePrettyJSON(JSON(row.string)), row.text);
+  }
+}
+
+TEST(PrettyJSONWriter, KeysAreEscapedLikeStrings) {
+  EXPECT_EQ(writePrettyJSON(JSON({{"a/\"b", 1}})), "{\n  \"a\\/\\\"b\" : 1\n}");
+}
+
+TEST(PrettyJSONWriter, TextReadsBackToTheSameDocument) {
+  const JSON document = parseJSON(R"([{"k/":"/\\\"\u0000é","n":[0.1,-7,1e300,9007199254740993]},[],{}])");
+  EXPECT_EQ(parseJSON(writePrettyJSON(document)), document);
+}
+
+TEST(PrettyJSONWriter, NumberThatIsNotFiniteIsRefused) {
+  EXPECT_THROW((void)writePrettyJSON(JSON::array({HUGE_VAL})), std::invalid_argument);
+}
+
 } // namespace
 } // namespace ventolith::core
