@@ -57,6 +57,19 @@ Async<void> LocalFanController::heartbeat() {
   return run(noteHeartbeat());
 }
 
+Async<FanControlPlan> LocalFanController::activePlan() {
+  return run(tellActivePlan());
+}
+
+bool LocalFanController::isAtRest() const {
+  const bool holdsNothing = claimedFans_.empty() && pendingAutoReleaseFans_.empty() && monitoredFans_.empty();
+  return holdsNothing && !holdTask_ && !releaseRetryTask_;
+}
+
+bool LocalFanController::isComingToRest() const {
+  return !isAtRest() && (releaseRetryTask_ || monitoredFans_.empty());
+}
+
 Async<std::optional<std::string>> LocalFanController::restoreAllFansToAutomatic() {
   return run(recoverAtStart());
 }
@@ -90,6 +103,10 @@ Async<LocalFanController::ErrorText> LocalFanController::recoverAtStart() {
 Async<void> LocalFanController::noteHeartbeat() {
   lastHeartbeat_ = clock_.now();
   co_return;
+}
+
+Async<FanControlPlan> LocalFanController::tellActivePlan() {
+  co_return activePlan_;
 }
 
 Async<std::optional<FanID>> LocalFanController::fanCount() {

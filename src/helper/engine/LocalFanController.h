@@ -73,6 +73,17 @@ public:
   /// Whether a plan other than "all automatic" is in force; a watchdog ends that as a command does.
   [[nodiscard]] bool isPlanInForce() const { return activePlan_ != core::FanControlPlan::allAutomatic; }
 
+  /// The plan in force, as the commands that were begun before this one have set it.
+  runtime::Async<core::FanControlPlan> activePlan();
+
+  /// Whether nothing is held, nothing has yet to go back, and no loop runs. A command that is under way may
+  /// end that.
+  [[nodiscard]] bool isAtRest() const;
+
+  /// Whether it gets to rest by itself, unless a command comes. Nothing is published at the moment when it
+  /// does.
+  [[nodiscard]] bool isComingToRest() const;
+
   /// The startup recovery: a previous run may have died and left fans in manual mode, so every fan of
   /// the machine is given back. Returns what failed. Does not test privilege.
   runtime::Async<std::optional<std::string>> restoreAllFansToAutomatic();
@@ -96,6 +107,7 @@ private:
   runtime::Async<core::ControlResult> applyFullBlast();
   runtime::Async<ErrorText> recoverAtStart();
   runtime::Async<void> noteHeartbeat();
+  runtime::Async<core::FanControlPlan> tellActivePlan();
   runtime::Async<std::optional<core::FanID>> fanCount();
   void publishState(bool holding, ErrorText error);
 

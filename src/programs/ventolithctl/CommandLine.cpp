@@ -1,10 +1,15 @@
 #include "programs/ventolithctl/CommandLine.h"
 
+#include "helper/link/HelperBuildVersion.h"
+#include "programs/ventolithctl/ApplyCommand.h"
 #include "programs/ventolithctl/CheckCommand.h"
+#include "programs/ventolithctl/FanCommands.h"
+#include "programs/ventolithctl/HelperCommand.h"
 #include "programs/ventolithctl/HoldCommand.h"
 #include "programs/ventolithctl/RecordCommand.h"
 #include "programs/ventolithctl/ReplayCommand.h"
 #include "programs/ventolithctl/SnapshotCommand.h"
+#include "programs/ventolithctl/StatusCommand.h"
 #include "programs/ventolithctl/WatchCommand.h"
 
 #include <fmt/format.h>
@@ -19,17 +24,31 @@ namespace ventolith::ctl {
 namespace {
 
 constexpr const char* description =
-    "Shows the temperatures and fans of this computer, tries fan plans without touching it, and holds them.";
+    "Shows the temperatures and fans of this computer, tries fan plans without touching it, and holds them: "
+    "by\n"
+    "itself (hold), or by way of the helper (status, apply, set, full-blast, auto, helper).";
 
 constexpr const char* footer = R"(Exit status:
   0  done
   1  check: the plan is valid, and there are warnings
   2  the command line, a plan or a trace is wrong
-  3  the machine cannot be reached, something cannot be written, or hold had to let go of the fans
+  3  the machine cannot be reached, something cannot be written, or the fans had to be let go
+
+  Of the commands that go to the helper besides:
+  11  accepted, and the fans are still being taken over
+  12  a fan did not come under control in time
+  13  the firmware took the fans back
+  14  the hardware refused
+  15  not allowed
+  16  no helper can be reached, or it does not answer
+  17  the command failed
+  130 Ctrl-C came before the answer
 
 Environment:
   VENTOLITH_MACHINE  which machine: unset is this computer, simulated:NAME a simulated one,
                      socket:PATH a simulator that runs
+  VENTOLITH_BUS      the address of another message bus than the system's, to reach a helper there
+  VENTOLITH_HELPER   a helper program that helper install starts as a child, for development
   VENTOLITH_HWMON_ROOT  where this computer's devices are looked for (/sys/class/hwmon)
   VENTOLITH_STATE_DIR   where hold notes what it took, for the next start if it is killed
   NO_COLOR           set to anything: no colours)";
@@ -42,6 +61,10 @@ void addCommands(CLI::App& app, Context& context) {
   addReplay(app, context);
   addCheck(app, context);
   addHold(app, context);
+  addStatus(app, context);
+  addApply(app, context);
+  addFanCommands(app, context);
+  addHelper(app, context);
 }
 
 /// Where not even this can be said, the status has to do.
@@ -84,6 +107,8 @@ runtime::Async<ExitStatus> runReporting(CLI::App& app, std::vector<std::string> 
     co_return status;
   } catch (const InputError& error) {
     co_return report(context, ExitStatus::invalid, error);
+  } catch (const CommandError& error) {
+    co_return report(context, error.status(), error);
   } catch (const std::exception& error) {
     co_return report(context, ExitStatus::failed, error);
   }
@@ -95,6 +120,7 @@ runtime::Async<ExitStatus> runCommandLine(std::vector<std::string> arguments, Co
   CLI::App app(description, "ventolithctl");
   app.footer(footer);
   app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("ventolithctl ") + helper::HelperBuildVersion::identifier);
   addCommands(app, context);
   co_return co_await runReporting(app, std::move(arguments), context);
 }

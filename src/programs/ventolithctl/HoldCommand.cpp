@@ -5,13 +5,12 @@
 #include "programs/ventolithctl/DurationRange.h"
 #include "programs/ventolithctl/MachineReader.h"
 #include "programs/ventolithctl/PlanFile.h"
-#include "programs/ventolithctl/TextLayout.h"
+#include "programs/ventolithctl/StateReport.h"
+#include "programs/ventolithctl/Warn.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <deque>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -19,7 +18,6 @@
 namespace ventolith::ctl {
 
 using core::ControlResult;
-using core::ControlState;
 using runtime::Async;
 
 namespace {
@@ -33,67 +31,6 @@ struct HoldOptions {
   std::string plan;
   std::optional<double> seconds;
   bool asJSON = false;
-};
-
-/// What `state` says in words: each fan with its mode and target, and what is wrong.
-std::string stateText(const ControlState& state) {
-  std::string text = state.isHolding ? "holding" : "not holding";
-  for (const auto& [fan, mode] : state.perFanMode) {
-    const auto target = state.targets.find(fan);
-    const auto rpm =
-        target == state.targets.end() ? std::string("no target yet") : fmt::format("{} RPM", target->second);
-    text += fmt::format("; Fan {}: {}, {}", fan, label(mode), rpm);
-  }
-  if (state.lastError) text += "; " + printable(*state.lastError);
-  return text;
-}
-
-/// Shows each state as a JSON line, or what has changed in words. It never waits for a reader while fans
-/// are held: what cannot be shown at once is kept, the newest of it at the least, and shown later.
-class StateReport {
-public:
-  StateReport(const HoldOptions& options, Output& out) : asJSON_(options.asJSON), out_(out) {}
-
-  void show(const ControlState& state) {
-    if (asJSON_) {
-      add(core::encode(state));
-    } else if (auto text = stateText(state); text != lastText_) {
-      add(text);
-      lastText_ = std::move(text);
-    }
-  }
-
-  void say(const std::string& line) {
-    if (!asJSON_) add(line);
-  }
-
-  /// Shows all that is left, waiting for the reader.
-  void finish() {
-    while (!pending_.empty())
-      writeNext();
-  }
-
-private:
-  static constexpr std::size_t mostPending = 256;
-
-  void add(const std::string& line) {
-    if (pending_.size() == mostPending) pending_.pop_front();
-    pending_.push_back(line + "\n");
-    while (!pending_.empty() && out_.isReady())
-      writeNext();
-  }
-
-  void writeNext() {
-    const std::string line = std::move(pending_.front());
-    pending_.pop_front();
-    out_.write(line);
-    out_.flush();
-  }
-
-  bool asJSON_;
-  Output& out_;
-  std::string lastText_;
-  std::deque<std::string> pending_;
 };
 
 /// Stops at the context's stop and when the time is over, whichever is first.
@@ -123,16 +60,6 @@ private:
   runtime::StopObservation observation_;
 };
 
-/// What cannot be said, on a terminal that was closed or paused, keeps no fan from going back.
-void warn(Context& context, const std::string& text) {
-  if (!context.err.isReady()) return;
-  try {
-    context.err.write("ventolithctl: " + text + "\n");
-    context.err.flush();
-  } catch (const OutputError&) {
-  }
-}
-
 /// Gives every fan back, and tells whether they are.
 Async<ControlResult> giveBack(helper::LocalFanController& controller, Context& context) {
   for (int attempt = 1;; ++attempt) {
@@ -146,11 +73,6 @@ Async<ControlResult> giveBack(helper::LocalFanController& controller, Context& c
 Async<bool> hasFans(hardware::SMCConnection& smc) {
   const auto count = co_await smc.tryReadValue(hardware::fankeys::fanCount);
   co_return count.has_value() && hardware::fankeys::fanCountOf(count->numeric()).value_or(0) > 0;
-}
-
-bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan) {
-  return std::all_of(plan.fans.begin(), plan.fans.end(),
-                     [](const core::FanPlan& entry) { return entry.mode.isAutomatic(); });
 }
 
 using PendingResult = std::shared_ptr<std::optional<ControlResult>>;
@@ -218,7 +140,7 @@ Async<ExitStatus> hold(HoldOptions options, Context& context) {
   if (!co_await hasFans(machine->smc()))
     throw MachineError(fmt::format("{}: no fans are found", machine->machineName()));
   const auto controller = makeController(co_await boost::asio::this_coro::executor, context, machine);
-  StateReport report(options, context.out);
+  StateReport report(options.asJSON ? StateReport::Form::json : StateReport::Form::words, context.out);
 
   // Whatever happens from here on, a full disk behind the output included, the fans go back.
   auto status = ExitStatus::failed;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -33,6 +34,11 @@ core::FanControlPlan readPlanFile(const std::string& file) {
   } catch (const core::DecodeError& error) {
     throw InputError(fmt::format("{}: {}", file, error.what()));
   }
+}
+
+bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan) {
+  return std::all_of(plan.fans.begin(), plan.fans.end(),
+                     [](const core::FanPlan& entry) { return entry.mode.isAutomatic(); });
 }
 
 InputFile::InputFile(const std::string& file, Context& context)

@@ -12,6 +12,8 @@ namespace ventolith::ctl {
 /// Fails with InputError, which names the file and the failing path in it.
 [[nodiscard]] core::FanControlPlan readPlanFile(const std::string& file);
 
+[[nodiscard]] bool leavesEveryFanToTheFirmware(const core::FanControlPlan& plan);
+
 /// A file to be read, or standard input for "-".
 class InputFile {
 public:

@@ -1,5 +1,6 @@
-// `ventolithctl`: the command line of Ventolith, which needs no window and no helper.
+// `ventolithctl`: the command line of Ventolith, which needs no window.
 #include "platform/system/ElapsedTime.h"
+#include "platform/system/service/SystemServices.h"
 #include "programs/common/MachineSelection.h"
 #include "programs/ventolithctl/CommandLine.h"
 #include "runtime/AsioClock.h"
@@ -9,7 +10,11 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
 
 using namespace ventolith;
 
@@ -20,6 +25,34 @@ bool isIgnored(int signal) {
   return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
+/// None also where a variable is set to nothing.
+std::optional<std::string> variable(const char* name) {
+  auto value = programs::processEnvironment(name);
+  return value && value->empty() ? std::nullopt : value;
+}
+
+/// Opened at the first use: most commands need no message bus, nor that there is one.
+class LazyServices {
+public:
+  LazyServices(const runtime::Executor& executor, runtime::Clock& clock)
+      : executor_(executor), clock_(clock) {}
+
+  [[nodiscard]] platform::SystemServices& get() {
+    if (!services_) {
+      services_ = std::make_unique<platform::SystemServices>(
+          executor_, clock_,
+          platform::ServiceOptions{.busAddress = variable("VENTOLITH_BUS"),
+                                   .helperProgram = variable("VENTOLITH_HELPER")});
+    }
+    return *services_;
+  }
+
+private:
+  runtime::Executor executor_;
+  runtime::Clock& clock_;
+  std::unique_ptr<platform::SystemServices> services_;
+};
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
@@ -29,13 +62,17 @@ int main(int argumentCount, char** arguments) {
   runtime::StopSource stop;
   ctl::StreamOutput out(stdout, "standard output", programs::processEnvironment);
   ctl::StreamOutput err(stderr, "standard error", programs::processEnvironment);
+  LazyServices services(executor.get_executor(), clock);
   ctl::Context context{
       .in = std::cin,
       .out = out,
       .err = err,
       .clock = clock,
       .stop = stop.token(),
-      .selectMachine = [&clock] { return programs::selectMachine(programs::processEnvironment, clock); }};
+      .selectMachine = [&clock] { return programs::selectMachine(programs::processEnvironment, clock); },
+      .helperChannels = [&services] { return services.get().helperChannels(); },
+      .daemonService = [&services] { return services.get().daemonService(); },
+      .helperIsChild = variable("VENTOLITH_HELPER").has_value()};
 
   // The first signal asks, so that the command leaves the terminal and the fans as it found them. A second
   // one ends it, unless there are fans to give back: then none does, and none stops it half-way.
@@ -61,5 +98,5 @@ int main(int argumentCount, char** arguments) {
   };
   runtime::start(executor.get_executor(), "ventolithctl", run());
   executor.run();
-  return static_cast<int>(status);
+  std::exit(static_cast<int>(status)); // Takes nothing down in which work that was given up may still wait.
 }

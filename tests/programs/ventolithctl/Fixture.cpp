@@ -58,13 +58,19 @@ CommandTest::CommandTest()
                                        {"TCHP", 61.5},
                                        {"TG0D", 48.25},
                                        {"TB0T", 30}})),
-      context{
-          .in = in, .out = out, .err = err, .clock = clock, .stop = stop.token(), .selectMachine = [this] {
-            return hardware::Machine{.name = "test machine",
-                                     .smc = std::make_unique<KeyedClient>(keys),
-                                     .hid = std::make_unique<AbsentHub>(),
-                                     .privileges = std::make_unique<MayNot>()};
-          }} {
+      context{.in = in,
+              .out = out,
+              .err = err,
+              .clock = clock,
+              .stop = stop.token(),
+              .selectMachine =
+                  [this] {
+                    return hardware::Machine{.name = "test machine",
+                                             .smc = std::make_unique<KeyedClient>(keys),
+                                             .hid = std::make_unique<AbsentHub>(),
+                                             .privileges = std::make_unique<MayNot>()};
+                  },
+              .upgradeAttempts = upgradeAttempts} {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
   folder_ = std::filesystem::path(::testing::TempDir()) /
             fmt::format("ventolithctl-{}-{}-{}", getpid(), test->test_suite_name(), test->name());

@@ -84,6 +84,7 @@ protected:
   std::istringstream in;
   TextOutput out;
   TextOutput err;
+  helper::ProcessWideCounter upgradeAttempts;
   Context context;
 
 private:

@@ -1,0 +1,77 @@
+#include "helper/daemon/Callers.h"
+
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/this_coro.hpp>
+
+#include <algorithm>
+
+namespace ventolith::helper {
+
+ChangeOrder::Place ChangeOrder::enter() {
+  row_.emplace_hint(row_.end(), entered_, nullptr);
+  return entered_++;
+}
+
+runtime::Async<void> ChangeOrder::turn(std::shared_ptr<ChangeOrder> order, Place place) {
+  while (order->row_.begin()->first != place) {
+    boost::asio::steady_timer waiter(co_await boost::asio::this_coro::executor,
+                                     boost::asio::steady_timer::time_point::max());
+    order->row_.at(place) = &waiter;
+    boost::system::error_code ignored;
+    co_await waiter.async_wait(boost::asio::redirect_error(boost::asio::use_awaitable, ignored));
+    order->row_.at(place) = nullptr;
+  }
+}
+
+void ChangeOrder::leave(Place place) {
+  row_.erase(place);
+  if (!row_.empty() && row_.begin()->second != nullptr) row_.begin()->second->cancel();
+}
+
+std::shared_ptr<KnownCaller> Callers::find(const HelperCaller& name) const {
+  const auto found = known_.find(name);
+  return found == known_.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<KnownCaller> Callers::beginCall(const HelperCaller& name) {
+  auto caller = find(name);
+  if (!caller) {
+    caller = std::make_shared<KnownCaller>();
+    known_.emplace(name, caller);
+    listener_.watch(name);
+  }
+  ++caller->unanswered;
+  return caller;
+}
+
+void Callers::endCall(const HelperCaller& name, KnownCaller& caller) {
+  --caller.unanswered;
+  if (caller.isGone || caller.isAdmitted || caller.unanswered > 0) return;
+  known_.erase(name);
+  listener_.unwatch(name);
+}
+
+std::shared_ptr<KnownCaller> Callers::take(const HelperCaller& name) {
+  auto caller = find(name);
+  known_.erase(name);
+  if (caller) caller->isGone = true;
+  return caller;
+}
+
+bool Complaints::isNew(Refusal::Reason about, const HelperCaller& caller) {
+  const auto complaint = std::pair(about, caller);
+  if (std::find(said_.begin(), said_.end(), complaint) != said_.end()) return false;
+  if (said_.size() == most) said_.pop_front();
+  said_.push_back(complaint);
+  return true;
+}
+
+void Complaints::settle(Refusal::Reason about, const HelperCaller& caller) {
+  std::erase(said_, std::pair(about, caller));
+}
+
+void Complaints::forget(const HelperCaller& caller) {
+  std::erase_if(said_, [&caller](const auto& complaint) { return complaint.second == caller; });
+}
+
+} // namespace ventolith::helper

@@ -1,0 +1,83 @@
+// The callers that the service knows, and what it has already complained about.
+#pragma once
+
+#include "helper/link/HelperListener.h"
+#include "runtime/Async.h"
+
+#include <boost/asio/steady_timer.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace ventolith::helper {
+
+/// Has the changes that one caller asks for begin in the order in which they came, whatever order their
+/// permissions come in.
+class ChangeOrder {
+public:
+  using Place = std::uint64_t;
+
+  /// The last place of the row.
+  [[nodiscard]] Place enter();
+  /// Returns when all that entered before have left.
+  static runtime::Async<void> turn(std::shared_ptr<ChangeOrder> order, Place place);
+  void leave(Place place);
+
+  [[nodiscard]] std::size_t size() const { return row_.size(); }
+
+private:
+  Place entered_ = 0;
+  std::map<Place, boost::asio::steady_timer*> row_; // With what a place waits on, once it does.
+};
+
+struct KnownCaller {
+  std::size_t unanswered = 0; // Changes, with and without permission.
+  bool isAdmitted = false;    // Was allowed a change once: its heartbeats count.
+  bool isGone = false;
+  std::shared_ptr<ChangeOrder> order = std::make_shared<ChangeOrder>();
+};
+
+/// A caller is known, and watched, while it has unanswered changes, and once it is admitted until it is gone.
+/// So strangers leave nothing behind.
+class Callers {
+public:
+  explicit Callers(HelperListener& listener) : listener_(listener) {}
+
+  /// None if it is not known.
+  [[nodiscard]] std::shared_ptr<KnownCaller> find(const HelperCaller& name) const;
+  /// Counts one more unanswered change.
+  [[nodiscard]] std::shared_ptr<KnownCaller> beginCall(const HelperCaller& name);
+  void endCall(const HelperCaller& name, KnownCaller& caller);
+
+  /// Forgets it; returns what was known of it.
+  std::shared_ptr<KnownCaller> take(const HelperCaller& name);
+
+  [[nodiscard]] std::size_t size() const { return known_.size(); }
+
+private:
+  HelperListener& listener_;
+  std::map<HelperCaller, std::shared_ptr<KnownCaller>> known_;
+};
+
+/// Which complaints stand in the log already, so that a flood of calls is no flood of lines. Bounded: the
+/// oldest is forgotten first, and may then be said again.
+class Complaints {
+public:
+  static constexpr std::size_t most = 64;
+
+  /// Whether it is to be said; from then on it has been.
+  [[nodiscard]] bool isNew(Refusal::Reason about, const HelperCaller& caller);
+  /// What was complained about is over; the next time is a new one.
+  void settle(Refusal::Reason about, const HelperCaller& caller);
+  void forget(const HelperCaller& caller);
+
+private:
+  std::deque<std::pair<Refusal::Reason, HelperCaller>> said_;
+};
+
+} // namespace ventolith::helper

@@ -1,0 +1,89 @@
+// The engine under the eye of the service manager, which kills a helper whose engine hangs.
+#pragma once
+
+#include "helper/daemon/HelperLog.h"
+#include "helper/daemon/ServedFans.h"
+#include "helper/daemon/WatchedClock.h"
+#include "helper/engine/LocalFanController.h"
+#include "helper/link/HelperSurroundings.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace ventolith::helper {
+
+/// Owns the engine. The helper is watched from the moment at which a command begins until no command is under
+/// way and the engine is at rest; meanwhile each wait of the engine that ends is a sign of life. So a claim
+/// that hangs is noticed as a loop that hangs is, and a helper that holds nothing neither wakes up nor can be
+/// killed for being idle.
+///
+/// Reads the engine's stream of states, which nobody else does. Belongs to the engine's thread.
+class WatchedEngine final : public ServedFans {
+public:
+  static constexpr runtime::Duration mostFrequentSign = std::chrono::seconds(1);
+  static constexpr int giveBackAttempts = 5;
+  static constexpr runtime::Duration giveBackInterval = std::chrono::seconds(2);
+
+  /// All of it outlives this object, and this object everything that it was asked to do.
+  WatchedEngine(const runtime::Executor& executor, runtime::Clock& clock, hardware::SMCWriting& smc,
+                hardware::SensorReading& sensors, const hardware::Privileges& privileges,
+                ServiceSupervisor& supervisor, HelperLog& log);
+
+  runtime::Async<core::ControlResult> setManual(core::FanID fan, std::int64_t rpm) override;
+  runtime::Async<core::ControlResult> setPercent(core::FanID fan, double percent) override;
+  runtime::Async<core::ControlResult> fullBlast() override;
+  runtime::Async<core::ControlResult> applyPlan(core::FanControlPlan plan) override;
+  runtime::Async<core::ControlResult> automatic() override;
+  runtime::Async<void> restoreAuto() override;
+  runtime::Async<void> heartbeat() override;
+  core::ControlStateStream& stateStream() override { return engine_->stateStream(); }
+
+  [[nodiscard]] const core::ControlState& currentState() const override { return engine_->currentState(); }
+
+  /// Does nothing if all is at rest. Else five attempts, two seconds apart; a single one without the
+  /// privilege that could make another succeed. Claims that are under way have stood down when it returns.
+  runtime::Async<std::optional<std::string>> giveEveryFanBack() override;
+
+  /// LocalFanController::restoreAllFansToAutomatic.
+  runtime::Async<std::optional<std::string>> recover();
+
+  /// LocalFanController::activePlan; none if every fan is left to the firmware.
+  runtime::Async<std::optional<core::FanControlPlan>> planInForce();
+
+  /// Whether the engine is at rest and no command is under way.
+  [[nodiscard]] bool isAtRest() const { return commandsUnderWay_ == 0 && engine_->isAtRest(); }
+
+  /// The service manager watches from here on, whenever there is something to watch.
+  void beginSupervision();
+
+private:
+  template <class Result>
+  runtime::Async<Result> observed(runtime::Async<Result> command);
+  void commandBegins();
+  void commandEnds();
+  runtime::Async<std::optional<std::string>> giveBackOnce();
+
+  void noteSignOfLife();
+  void lookForRest();
+  runtime::Async<void> followStates();
+  void watchItComeToRest();
+  runtime::Async<void> lookUntilItRests();
+
+  runtime::Executor executor_;
+  runtime::Clock& clock_;
+  const hardware::Privileges& privileges_;
+  ServiceSupervisor& supervisor_;
+  HelperLog& log_;
+  WatchedClock watchedClock_;
+  std::shared_ptr<LocalFanController> engine_;
+
+  int commandsUnderWay_ = 0;
+  bool isSupervised_ = false;
+  std::optional<runtime::StopSource> activity_; // From the first command until all is at rest.
+  runtime::Instant lastSign_ = runtime::distantPast;
+  bool followsStates_ = false;
+  bool looksForRest_ = false;
+};
+
+} // namespace ventolith::helper

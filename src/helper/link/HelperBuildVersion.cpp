@@ -1,0 +1,7 @@
+#include "helper/link/HelperBuildVersion.h"
+
+namespace ventolith::helper {
+
+const char* const HelperBuildVersion::identifier = VENTOLITH_BUILD_IDENTIFIER;
+
+} // namespace ventolith::helper

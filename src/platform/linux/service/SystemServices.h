@@ -1,0 +1,66 @@
+// What the system offers around the helper: the line between application and helper, permission, sleep, the
+// service manager, and the helper's registration.
+#pragma once
+
+#include "helper/link/DaemonService.h"
+#include "helper/link/HelperChannel.h"
+#include "helper/link/HelperListener.h"
+#include "helper/link/HelperSurroundings.h"
+#include "runtime/Clock.h"
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace ventolith::platform {
+
+/// Nobody can be reached, or be listened to; says why.
+class ServiceError : public std::runtime_error {
+public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Another helper serves this machine.
+class AnotherHelperError : public ServiceError {
+public:
+  using ServiceError::ServiceError;
+};
+
+struct ServiceOptions {
+  /// The address of the message bus; none is the system's.
+  std::optional<std::string> busAddress;
+  /// A helper program that is started as a child, for development; none is the system's service.
+  std::optional<std::string> helperProgram;
+};
+
+/// All that it gives outlives neither this object nor `clock`, and belongs to the thread of `executor`.
+class SystemServices {
+public:
+  SystemServices(const runtime::Executor& executor, runtime::Clock& clock, ServiceOptions options);
+  SystemServices(const SystemServices&) = delete;
+  SystemServices& operator=(const SystemServices&) = delete;
+  ~SystemServices();
+
+  /// The application's end of the line.
+  [[nodiscard]] helper::HelperChannelFactory helperChannels();
+
+  /// The helper's end: from here on this process is the machine's helper, and messages to it wait until the
+  /// listener is resumed. Fails with AnotherHelperError and ServiceError.
+  [[nodiscard]] std::unique_ptr<helper::HelperListener> claimListener();
+
+  /// Asks the system's policy.
+  [[nodiscard]] std::unique_ptr<helper::CallerAuthorizer> policyAuthorizer();
+  /// Admits whoever runs as the user of this process: for a helper that is no system service.
+  [[nodiscard]] std::unique_ptr<helper::CallerAuthorizer> sameUserAuthorizer();
+
+  [[nodiscard]] std::unique_ptr<helper::SleepEvents> sleepEvents();
+  [[nodiscard]] std::unique_ptr<helper::ServiceSupervisor> supervisor();
+  [[nodiscard]] std::unique_ptr<helper::DaemonService> daemonService();
+
+private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+} // namespace ventolith::platform
