@@ -1,0 +1,2 @@
+// Boost.URL, compiled once.
+#include <boost/url/src.hpp>
