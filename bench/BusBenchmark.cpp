@@ -2,9 +2,8 @@
 // service behind it that answers at once, beside a bare service and a bare client of sdbus-c++ on the same
 // bus.
 #include "e2e/PrivateBus.h"
-#include "platform/linux/ElapsedTime.h"
+#include "platform/linux/SystemClock.h"
 #include "platform/linux/service/SystemServices.h"
-#include "runtime/AsioClock.h"
 
 #include <boost/asio/io_context.hpp>
 #include <fmt/format.h>
@@ -60,7 +59,7 @@ struct Services {
       : services(context.get_executor(), clock, {address, std::nullopt}) {}
 
   boost::asio::io_context context{1};
-  runtime::AsioClock clock{&platform::elapsedTime};
+  platform::SystemClock clock{context.get_executor()};
   platform::SystemServices services;
 };
 

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "runtime/Async.h"
+#include "runtime/Event.h"
 #include "runtime/StopToken.h"
 
-#include <boost/asio/redirect_error.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 
 #include <deque>
@@ -23,18 +22,16 @@ class StateStream {
 public:
   void yield(Value value) {
     values_.push_back(std::move(value));
-    if (waiter_ != nullptr) waiter_->cancel();
+    if (waiter_ != nullptr) waiter_->happen();
   }
 
   /// The next value; none once `stop` is requested and the buffer is empty.
   Async<std::optional<Value>> next(StopToken stop) {
     while (values_.empty() && !stop.stopRequested()) {
-      boost::asio::steady_timer waiter(co_await boost::asio::this_coro::executor,
-                                       boost::asio::steady_timer::time_point::max());
+      Event waiter(co_await boost::asio::this_coro::executor);
       waiter_ = &waiter;
-      const auto observation = stop.onStop([&waiter] { waiter.cancel(); });
-      boost::system::error_code ignored;
-      co_await waiter.async_wait(boost::asio::redirect_error(boost::asio::use_awaitable, ignored));
+      const auto observation = stop.onStop([&waiter] { waiter.happen(); });
+      co_await waiter.wait();
       waiter_ = nullptr;
     }
     if (values_.empty()) co_return std::nullopt;
@@ -53,7 +50,7 @@ public:
 
 private:
   std::deque<Value> values_;
-  boost::asio::steady_timer* waiter_ = nullptr; // Set while the reader waits.
+  Event* waiter_ = nullptr; // Set while the reader waits.
 };
 
 } // namespace ventolith::runtime

@@ -297,18 +297,18 @@ TEST_F(SystemdHelper, AfterARefusalAnAdministratorCanEnableIt) {
   loop.until("the change", [&] { return status() == DaemonStatus::enabled; });
 }
 
-TEST_F(SystemdHelper, UnregisteringStopsAndDisablesAndWaitsUntilItIsGone) {
+TEST_F(SystemdHelper, UnregisteringDisablesAndStopsAndWaitsUntilItIsGone) {
   startSystemd();
   unitFileIs("enabled");
   const auto unregistering = loop.begin(service.unregisterDaemon());
   untilCalled("StopUnit");
+  const Calls calls = systemd->calls();
+  EXPECT_EQ(Calls(calls.end() - 3, calls.end() - 1),
+            (Calls{"DisableUnitFiles [\"" + unit + "\"] False", "Reload"}));
   loop.runFor(50ms);
-  EXPECT_EQ(systemd->count("DisableUnitFiles"), 0U);
+  EXPECT_FALSE(unregistering->has_value());
   tellOfEnd("done");
   EXPECT_EQ(loop.end(unregistering), Error());
-  const Calls calls = systemd->calls();
-  EXPECT_EQ(Calls(calls.end() - 2, calls.end()),
-            (Calls{"DisableUnitFiles [\"" + unit + "\"] False", "Reload"}));
   EXPECT_EQ(status(), DaemonStatus::notRegistered);
 }
 
@@ -319,12 +319,12 @@ TEST_F(SystemdHelper, AHelperThatDoesNotRunIsDisabled) {
   EXPECT_EQ(systemd->count("DisableUnitFiles"), 1U);
 }
 
-TEST_F(SystemdHelper, ARefusedStopIsToldAndChangesNothing) {
+TEST_F(SystemdHelper, ARefusedDisablingIsToldAndStopsNothing) {
   startSystemd();
   unitFileIs("enabled");
-  systemd->answer("StopUnit", "ss", "o", raise("org.freedesktop.DBus.Error.AccessDenied"));
+  systemd->answer("DisableUnitFiles", "asb", "a(sss)", raise("org.freedesktop.DBus.Error.AccessDenied"));
   EXPECT_TRUE(loop.await(service.unregisterDaemon()));
-  EXPECT_EQ(systemd->count("DisableUnitFiles"), 0U);
+  EXPECT_EQ(systemd->count("StopUnit"), 0U);
   EXPECT_EQ(status(), DaemonStatus::enabled);
 }
 

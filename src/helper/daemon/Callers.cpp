@@ -1,6 +1,5 @@
 #include "helper/daemon/Callers.h"
 
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/this_coro.hpp>
 
 #include <algorithm>
@@ -14,18 +13,16 @@ ChangeOrder::Place ChangeOrder::enter() {
 
 runtime::Async<void> ChangeOrder::turn(std::shared_ptr<ChangeOrder> order, Place place) {
   while (order->row_.begin()->first != place) {
-    boost::asio::steady_timer waiter(co_await boost::asio::this_coro::executor,
-                                     boost::asio::steady_timer::time_point::max());
+    runtime::Event waiter(co_await boost::asio::this_coro::executor);
     order->row_.at(place) = &waiter;
-    boost::system::error_code ignored;
-    co_await waiter.async_wait(boost::asio::redirect_error(boost::asio::use_awaitable, ignored));
+    co_await waiter.wait();
     order->row_.at(place) = nullptr;
   }
 }
 
 void ChangeOrder::leave(Place place) {
   row_.erase(place);
-  if (!row_.empty() && row_.begin()->second != nullptr) row_.begin()->second->cancel();
+  if (!row_.empty() && row_.begin()->second != nullptr) row_.begin()->second->happen();
 }
 
 std::shared_ptr<KnownCaller> Callers::find(const HelperCaller& name) const {

@@ -3,8 +3,7 @@
 
 #include "helper/link/HelperListener.h"
 #include "runtime/Async.h"
-
-#include <boost/asio/steady_timer.hpp>
+#include "runtime/Event.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -32,7 +31,7 @@ public:
 
 private:
   Place entered_ = 0;
-  std::map<Place, boost::asio::steady_timer*> row_; // With what a place waits on, once it does.
+  std::map<Place, runtime::Event*> row_; // With what a place waits on, once it does.
 };
 
 struct KnownCaller {

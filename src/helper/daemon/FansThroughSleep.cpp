@@ -66,7 +66,11 @@ void FansThroughSleep::startAnew() {
 
 Async<ControlResult> FansThroughSleep::changeOrRemember(RememberedCommand command) {
   if (std::holds_alternative<RememberedPlan>(command)) startAnew();
-  if (phase_ == Phase::awake) co_return co_await carryOut(std::move(command));
+  if (phase_ == Phase::awake) {
+    const ControlResult result = co_await carryOut(std::move(command));
+    const bool isTakenBackForSleep = result == ControlResult::reclaimed && phase_ == Phase::asleep;
+    co_return isTakenBackForSleep && !remembered_.isEmpty() ? ControlResult::acquiring : result;
+  }
   if (!remembered_.add(std::move(command)))
     co_return ControlResult::failed("too many commands wait for the fans");
   if (phase_ == Phase::awaitsItsClient) resume();

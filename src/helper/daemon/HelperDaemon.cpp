@@ -26,7 +26,8 @@ HelperDaemon::HelperDaemon(const runtime::Executor& executor, runtime::Clock& cl
                 .authorizer = around_.authorizer,
                 .log = around_.log,
                 .buildIdentifier = std::move(buildIdentifier),
-                .madeRoom = [this] { endFor(End::upgrade); }}) {}
+                .madeRoom = [this] { endFor(End::upgrade); }}),
+      ended_(executor) {}
 
 Async<HelperDaemon::Outcome> HelperDaemon::run(runtime::StopToken stop) {
   co_await recover();

@@ -1,10 +1,10 @@
 // The helper's life: from the fans' first handing back to their last.
 #pragma once
 
-#include "helper/daemon/Event.h"
 #include "helper/daemon/FanHelperService.h"
 #include "helper/daemon/FansThroughSleep.h"
 #include "helper/daemon/WatchedEngine.h"
+#include "runtime/Event.h"
 
 #include <optional>
 #include <string>
@@ -58,7 +58,7 @@ private:
   WatchedEngine engine_;
   FansThroughSleep fans_;
   FanHelperService service_;
-  Event ended_;
+  runtime::Event ended_;
   End end_ = End::asked; // Of the first reason.
 };
 

@@ -109,6 +109,8 @@ Async<void> XPCFanController::runReconciliationPass(Weak controller) {
     runtime::Clock& clock = self->clock_;
     self = nullptr;
     co_await clock.sleep(upgradePause, runtime::StopToken());
+    self = controller.lock(); // The connection may have broken just now.
+    if (self) self->recreateConnectionIfNeeded();
   }
 }
 

@@ -3,8 +3,7 @@
 #include "platform/simulated/MachineServer.h"
 #include "platform/simulated/SimulatedMachine.h"
 #include "platform/simulated/SocketMachine.h"
-#include "platform/system/ElapsedTime.h"
-#include "runtime/AsioClock.h"
+#include "platform/system/SystemClock.h"
 
 #include <CLI/CLI.hpp>
 #include <boost/asio/io_context.hpp>
@@ -83,7 +82,7 @@ void prepare(simulated::SimulatedMac& mac, const Options& options) {
 
 int serve(const Options& options) {
   boost::asio::io_context context(1);
-  runtime::AsioClock clock(platform::elapsedTime);
+  platform::SystemClock clock(context.get_executor());
   const auto mac = simulated::makeSimulatedMac(options.machine, clock, options.seed);
   prepare(*mac, options);
   simulated::MachineServer server(context.get_executor(), mac, options.socket);

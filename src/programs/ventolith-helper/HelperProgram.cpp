@@ -2,12 +2,11 @@
 
 #include "hardware/FanKeys.h"
 #include "helper/daemon/HelperDaemon.h"
-#include "platform/system/ElapsedTime.h"
+#include "platform/system/SystemClock.h"
 #include "platform/system/service/SystemServices.h"
 #include "programs/common/MachineSelection.h"
 #include "programs/ventolith-helper/ConnectedMachine.h"
 #include "programs/ventolith-helper/StandardErrorLog.h"
-#include "runtime/AsioClock.h"
 
 #include <CLI/CLI.hpp>
 #include <boost/asio/io_context.hpp>
@@ -52,7 +51,7 @@ struct Process {
   std::string buildIdentifier;
   StandardErrorLog log{isStandardErrorTheJournal(processEnvironment)};
   boost::asio::io_context context{1};
-  runtime::AsioClock clock{platform::elapsedTime};
+  platform::SystemClock clock{context.get_executor()};
   runtime::StopSource stop;
   std::unique_ptr<ConnectedMachine> machine;
   std::optional<platform::SystemServices> services;

@@ -1,8 +1,7 @@
 // The application's process.
 #include "app/selftest/SelfTest.h"
-#include "platform/system/ElapsedTime.h"
+#include "platform/system/SystemClock.h"
 #include "programs/common/MachineSelection.h"
-#include "runtime/AsioClock.h"
 
 #include <boost/asio/io_context.hpp>
 
@@ -16,7 +15,7 @@ using namespace ventolith;
 
 bool selfTestPasses() {
   boost::asio::io_context context(1);
-  runtime::AsioClock clock(platform::elapsedTime);
+  platform::SystemClock clock(context.get_executor());
   auto machine = programs::selectMachine(programs::processEnvironment, clock);
   app::SelfTestOutput output(std::cout, std::cerr);
   bool passed = false;

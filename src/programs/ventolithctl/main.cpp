@@ -1,9 +1,8 @@
 // `ventolithctl`: the command line of Ventolith, which needs no window.
-#include "platform/system/ElapsedTime.h"
+#include "platform/system/SystemClock.h"
 #include "platform/system/service/SystemServices.h"
 #include "programs/common/MachineSelection.h"
 #include "programs/ventolithctl/CommandLine.h"
-#include "runtime/AsioClock.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
@@ -58,7 +57,7 @@ private:
 int main(int argumentCount, char** arguments) {
   std::signal(SIGPIPE, SIG_IGN); // A reader that went away is a write that fails, and no sudden end.
   boost::asio::io_context executor(1);
-  runtime::AsioClock clock(platform::elapsedTime);
+  platform::SystemClock clock(executor.get_executor());
   runtime::StopSource stop;
   ctl::StreamOutput out(stdout, "standard output", programs::processEnvironment);
   ctl::StreamOutput err(stderr, "standard error", programs::processEnvironment);

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "core/FanControlPlan.h"
-#include "helper/daemon/Event.h"
 #include "helper/daemon/HelperLog.h"
 #include "helper/daemon/ServedFans.h"
 #include "helper/link/HelperListener.h"
 #include "helper/link/HelperSurroundings.h"
+#include "runtime/Event.h"
 
+#include <boost/asio/this_coro.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -39,7 +40,7 @@ public:
   runtime::Async<bool> mayControlFans(HelperCaller caller) override {
     asked.push_back(caller.name);
     if (holdsBack) {
-      Question& question = questions_.emplace_back();
+      Question& question = questions_.emplace_back(co_await boost::asio::this_coro::executor);
       co_await question.answered.wait();
       co_return question.verdict;
     }
@@ -55,7 +56,8 @@ public:
 
 private:
   struct Question {
-    Event answered;
+    explicit Question(const runtime::Executor& executor) : answered(executor) {}
+    runtime::Event answered;
     bool verdict = false;
   };
   std::deque<Question> questions_; // Who waits for one does not own it: it owns who waits.
@@ -140,7 +142,7 @@ public:
   /// From here on commands of this name do not end before they are told to.
   void holdBack(const std::string& name) { heldBack_[name]; }
   void letGo(const std::string& name) {
-    for (Event& command : heldBack_.at(name))
+    for (runtime::Event& command : heldBack_.at(name))
       command.happen();
     ended_.push_back(heldBack_.extract(name));
   }
@@ -150,12 +152,12 @@ private:
     log.push_back(text);
     const auto held = heldBack_.find(text.substr(0, text.find(' ')));
     if (held != heldBack_.end()) {
-      co_await held->second.emplace_back().wait();
+      co_await held->second.emplace_back(co_await boost::asio::this_coro::executor).wait();
     }
     co_return result;
   }
 
-  using HeldBack = std::map<std::string, std::deque<Event>>; // By a command's first word.
+  using HeldBack = std::map<std::string, std::deque<runtime::Event>>; // By a command's first word.
   HeldBack heldBack_;
   std::vector<HeldBack::node_type> ended_;
   core::ControlStateStream stream_;

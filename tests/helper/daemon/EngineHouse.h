@@ -4,6 +4,7 @@
 #include "helper/daemon/Doubles.h"
 #include "helper/daemon/WatchedEngine.h"
 #include "helper/engine/EngineFixture.h"
+#include "runtime/Event.h"
 #include "support/VirtualTime.h"
 
 #include <memory>
@@ -20,11 +21,11 @@ public:
   bool hangs = false;
 
   Async<Written> writeUInt8(std::string key, std::uint8_t value) override {
-    if (hangs) co_await never_.wait();
+    if (hangs) co_await forever();
     co_return co_await scripted.writeUInt8(std::move(key), value);
   }
   Async<Written> writeFloat(std::string key, double value) override {
-    if (hangs) co_await never_.wait();
+    if (hangs) co_await forever();
     co_return co_await scripted.writeFloat(std::move(key), value);
   }
   Async<std::optional<hardware::SMCValue>> tryReadValue(std::string key) override {
@@ -32,7 +33,10 @@ public:
   }
 
 private:
-  Event never_;
+  static Async<void> forever() {
+    runtime::Event never(co_await boost::asio::this_coro::executor);
+    co_await never.wait();
+  }
 };
 
 class EngineHouse : public testing::Test {

@@ -187,7 +187,7 @@ TEST_F(FansThroughSleepTest, SleepWhileAFanIsBeingTakenIsNoReasonToForgetThePlan
   const auto claim = begin(fans.applyPlan(fixed({{0, 3000}})));
   pass(1);
   sleep();
-  EXPECT_EQ(*claim, ControlResult::reclaimed);
+  EXPECT_EQ(*claim, ControlResult::acquiring);
   EXPECT_TRUE(isIdle());
   smc().acceptAll();
   wake();

@@ -1,8 +1,9 @@
 #include "platform/linux/service/BusConnection.h"
 
+#include "runtime/Event.h"
+
 #include <boost/asio/post.hpp>
 #include <boost/asio/redirect_error.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <fmt/format.h>
 #include <sdbus-c++/IProxy.h>
@@ -116,12 +117,12 @@ struct BusConnection::PendingCall {
       self.result.emplace(
           BusReply(self.connection, Wrapped<sdbus::MethodReply>(message, self.connection->binding_)));
     }
-    self.waiter.cancel();
+    self.ended.happen();
     return 0;
   }
 
   std::shared_ptr<BusConnection> connection;
-  asio::steady_timer waiter;
+  runtime::Event ended;
   std::optional<BusResult<BusReply>> result;
   Slot slot;
 };
@@ -183,11 +184,7 @@ runtime::Async<BusResult<BusReply>> BusConnection::call(sdbus::MethodCall call, 
 
 runtime::Async<BusResult<BusReply>> BusConnection::callOver(std::shared_ptr<BusConnection> self,
                                                             sdbus::MethodCall call, runtime::StopToken stop) {
-  PendingCall pending{
-      self,
-      asio::steady_timer(co_await asio::this_coro::executor, asio::steady_timer::time_point::max()),
-      std::nullopt,
-      {}};
+  PendingCall pending{self, runtime::Event(co_await asio::this_coro::executor), std::nullopt, {}};
   sd_bus_slot* slot = nullptr;
   const int sent =
       sd_bus_call_async(self->raw_, &slot, rawOf(call), &PendingCall::answered, &pending, UINT64_MAX);
@@ -195,13 +192,10 @@ runtime::Async<BusResult<BusReply>> BusConnection::callOver(std::shared_ptr<BusC
   pending.slot.reset(slot);
   self->arm();
 
-  const auto wake = [&pending] { pending.waiter.cancel(); };
+  const auto wake = [&pending] { pending.ended.happen(); };
   const auto stopObservation = stop.onStop(wake);
   const auto lossObservation = self->lost().onStop(wake);
-  while (!pending.result && !stop.stopRequested() && !self->isLost()) {
-    boost::system::error_code ignored;
-    co_await pending.waiter.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
-  }
+  if (!stop.stopRequested() && !self->isLost()) co_await pending.ended.wait();
   if (pending.result) co_return std::move(*pending.result);
   if (self->isLost()) co_return BusFailure{"org.freedesktop.DBus.Error.Disconnected", self->lossReason_};
   co_return BusFailure{"org.freedesktop.DBus.Error.NoReply", "The call was given up."};

@@ -39,6 +39,10 @@ bool appendBytes(sdbus::Message& message, std::string_view bytes) {
   return sd_bus_message_append_array(rawOf(message), 'y', bytes.data(), bytes.size()) >= 0;
 }
 
+void leaveServiceUnstarted(sdbus::MethodCall& call) {
+  sd_bus_message_set_auto_start(rawOf(call), 0);
+}
+
 void allowInteractiveAuthorization(sdbus::MethodCall& call) {
   sd_bus_message_set_allow_interactive_authorization(rawOf(call), 1);
 }

@@ -42,6 +42,9 @@ template <class... Values>
 /// Appends an array of bytes; false when it is longer than a message can be.
 [[nodiscard]] bool appendBytes(sdbus::Message& message, std::string_view bytes);
 
+/// The call is for a service that runs, and starts none.
+void leaveServiceUnstarted(sdbus::MethodCall& call);
+
 /// The service may ask a person before it answers, however long that takes.
 void allowInteractiveAuthorization(sdbus::MethodCall& call);
 

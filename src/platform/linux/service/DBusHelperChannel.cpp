@@ -20,12 +20,19 @@ namespace replies = helper::replies;
 
 namespace {
 
+/// What is sent by the clock has no helper started that an administrator has stopped.
+bool isForARunningHelper(const HelperMessage& message) {
+  return std::holds_alternative<messages::Heartbeat>(message) ||
+         std::holds_alternative<messages::ReadState>(message);
+}
+
 /// None when the message is longer than the bus takes.
 std::optional<sdbus::MethodCall> encoded(const BusConnection& connection, const HelperMessage& message) {
   sdbus::MethodCall call =
       connection.newCall({protocol::busName, protocol::objectPath, protocol::interfaceName,
                           std::string(helper::nameOf(message))});
   if (helper::changesAnything(message)) allowInteractiveAuthorization(call);
+  if (isForARunningHelper(message)) leaveServiceUnstarted(call);
   const bool isEncoded = std::visit(
       Visitor{
           [&](const messages::SetManualRPM& command) { return bool(call << command.fan << command.rpm); },

@@ -269,15 +269,16 @@ runtime::Async<helper::DaemonService::ErrorText> SystemdDaemonService::stopAndDi
   const std::shared_ptr<Watch>& watch = *opened;
   if (const auto failure = co_await Watch::subscribe(watch)) co_return failure->description();
 
-  const BusResult<JobEnd> stop = co_await runJob(watch, "StopUnit");
-  if (!stop && stop.error().name != "org.freedesktop.systemd1.NoSuchUnit")
-    co_return stop.error().description();
+  // Disabled first: a client that goes on would have the bus start the helper again.
   const auto disabled = co_await disableUnit(watch->connection);
   watch->noteChange();
   if (!disabled) co_return disabled.error().description();
   const auto reloaded = co_await reload(watch->connection);
   watch->noteChange();
   if (!reloaded) co_return reloaded.error().description();
+  const BusResult<JobEnd> stop = co_await runJob(watch, "StopUnit");
+  if (!stop && stop.error().name != "org.freedesktop.systemd1.NoSuchUnit")
+    co_return stop.error().description();
   if (stop && stop->result != "done")
     co_return fmt::format("the helper is disabled, but its end is: {}", stop->result);
   co_return std::nullopt;
