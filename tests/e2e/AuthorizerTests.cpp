@@ -105,6 +105,13 @@ TEST_F(PolkitAuthorization, AsksAboutTheCallerAndLetsAPersonBeAsked) {
   EXPECT_TRUE(mayControl()) << polkit.calls().back();
 }
 
+TEST_F(PolkitAuthorization, NobodyIsAskedForACallerThatDoesNotWaitForIt) {
+  MockPeer polkit(privateBus, polkitObject);
+  answer(polkit, "ret = (args[3] == 0, False, {})");
+  EXPECT_FALSE(mayControl());
+  EXPECT_TRUE(loop.await(authorizer.mayControlFans({caller.name, false})));
+}
+
 TEST_F(PolkitAuthorization, EachCallIsAskedAbout) {
   MockPeer polkit(privateBus, polkitObject);
   answer(polkit, "ret = (True, False, {})");

@@ -297,6 +297,14 @@ TEST_F(SystemdHelper, AfterARefusalAnAdministratorCanEnableIt) {
   loop.until("the change", [&] { return status() == DaemonStatus::enabled; });
 }
 
+TEST_F(SystemdHelper, RegisteringWhatIsRegisteredLeavesItEnabled) {
+  startSystemd();
+  answerByEndOfJob("StartUnit", "done");
+  unitFileIs("enabled");
+  EXPECT_EQ(loop.await(service.registerDaemon()), Error());
+  EXPECT_EQ(status(), DaemonStatus::enabled);
+}
+
 TEST_F(SystemdHelper, UnregisteringDisablesAndStopsAndWaitsUntilItIsGone) {
   startSystemd();
   unitFileIs("enabled");

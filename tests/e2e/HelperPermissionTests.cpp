@@ -45,6 +45,33 @@ TEST(HelperPermission, IsAskedForAtEveryCommand) {
   EXPECT_EQ(house.mac().lastWrite("F0Tg"), "00803b45"); // Still 3000.
 }
 
+TEST(HelperPermission, TheSystemsServiceListensToNoVariable) {
+  HelperHouse house;
+  const auto before = house.mac().journal().size();
+  Environment environment = house.environment();
+  environment["DBUS_SYSTEM_BUS_ADDRESS"] = "unix:path=" + (house.folder() / "no-bus").string();
+  const Ended ended = run("ventolith-helper", {"--system-service", "--allow-same-user"}, environment);
+  EXPECT_EQ(ended.status, 1) << ended.err; // It looked for the system's bus, and not for ours.
+  EXPECT_EQ(house.mac().journal().size(), before);
+}
+
+TEST(HelperPermission, IsNotAskedOfAPersonForACallThatDoesNotWait) {
+  HelperHouse house;
+  MockPeer polkit(house.bus(), {"org.freedesktop.PolicyKit1", "/org/freedesktop/PolicyKit1/Authority",
+                                "org.freedesktop.PolicyKit1.Authority"});
+  polkit.answer("CheckAuthorization", "(sa{sv})sa{ss}us", "(bba{ss})", "ret = (args[3] == 1, False, {})");
+  const auto helper = house.startHelper({});
+  const auto fullBlast = [&](const std::string& waits) {
+    return run("/usr/bin/busctl",
+               {"--address=" + house.bus().address(), "--allow-interactive-authorization=" + waits, "call",
+                "com.ventolith.helper", "/com/ventolith/helper", "com.ventolith.FanHelperProtocol",
+                "FullBlast"})
+        .out;
+  };
+  EXPECT_EQ(fullBlast("no"), "x 5\n");
+  EXPECT_EQ(fullBlast("yes"), "x 0\n");
+}
+
 TEST(HelperPermission, IsNotGivenToAnotherUserByAHelperForThisUser) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can be another user";
   HelperHouse house;

@@ -54,7 +54,7 @@ TEST(HelperUpgrade, AHelperOfAnotherBuildIsSwappedBeforeACommandReachesIt) {
   EXPECT_EQ(installation.house.mac().lastWrite("F0Md"), "01");
 }
 
-TEST(HelperUpgrade, TheOldHelperGivesItsFansBackBeforeTheNewOneStarts) {
+TEST(HelperUpgrade, TheOldHelperGivesItsFansBackBeforeItAnswers) {
   Installation installation;
   installation.install("other-build-helper");
   const Peer peer(installation.house.bus().address());

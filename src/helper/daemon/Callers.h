@@ -36,7 +36,7 @@ private:
 
 struct KnownCaller {
   std::size_t unanswered = 0; // Changes, with and without permission.
-  bool isAdmitted = false;    // Was allowed a change once: its heartbeats count.
+  bool isAdmitted = false;    // Was allowed its last change: its heartbeats count.
   bool isGone = false;
   std::shared_ptr<ChangeOrder> order = std::make_shared<ChangeOrder>();
 };

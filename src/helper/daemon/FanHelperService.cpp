@@ -60,8 +60,10 @@ Async<HelperAnswer> FanHelperService::answer(HelperCaller caller, HelperMessage 
 void FanHelperService::callerIsGone(const HelperCaller& name) {
   complaints_.forget(name);
   const auto caller = callers_.take(name);
-  if (!caller || caller->order->size() == 0) return;
-  its_.log.note(fmt::format("{} is gone: {} of its calls dropped", shown(name), caller->order->size()));
+  if (!caller || caller->unanswered == 0) return;
+  const std::size_t dropped = caller->order->size();
+  its_.log.note(fmt::format("{} is gone: {} of its calls dropped, {} go on without an answer", shown(name),
+                            dropped, caller->unanswered - dropped));
 }
 
 /// What is refused whoever asks.
@@ -98,7 +100,7 @@ Async<HelperAnswer> FanHelperService::changeInOrder(HelperCaller name, HelperMes
   const auto order = caller->order;
   const ChangeOrder::Place place = order->enter();
   const bool isAllowed = co_await its_.authorizer.mayControlFans(name);
-  if (isAllowed) caller->isAdmitted = true;
+  caller->isAdmitted = isAllowed;
   co_await ChangeOrder::turn(order, place);
   order->leave(place);
   // From here up to where the fans hear of it nothing waits: the next change, which may begin now, comes

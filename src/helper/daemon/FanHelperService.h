@@ -17,7 +17,7 @@ namespace ventolith::helper {
 /// Version and state are told to anybody, at once. Every change asks for permission first, and the changes of
 /// one caller begin in the order in which they came; they may end in any order, so that a release overtakes a
 /// claim of ten seconds. Callers do not wait for one another. A heartbeat counts from an admitted caller
-/// alone: one that was allowed a change and is still there.
+/// alone: one that was allowed the last change it asked for, and is still there.
 ///
 /// Belongs to the engine's thread.
 class FanHelperService final : public HelperService {

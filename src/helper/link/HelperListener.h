@@ -14,7 +14,11 @@ namespace ventolith::helper {
 /// A client's connection. Its name stands for it alone, for as long as the listener lives.
 struct HelperCaller {
   std::string name;
-  auto operator<=>(const HelperCaller&) const = default;
+  /// Of this one call: whether it waits while a person is asked for permission.
+  bool waitsForAPerson = true;
+
+  bool operator==(const HelperCaller& other) const { return name == other.name; }
+  auto operator<=>(const HelperCaller& other) const { return name <=> other.name; }
 };
 
 /// Why a message got no reply.

@@ -17,8 +17,8 @@ public:
   CallerAuthorizer& operator=(const CallerAuthorizer&) = delete;
   virtual ~CallerAuthorizer() = default;
 
-  /// May wait for a person to answer. No for a caller that is gone, and when nobody can be asked. Never
-  /// throws.
+  /// May wait for a person to answer, if the caller does. No for a caller that is gone, and when nobody can
+  /// be asked. Never throws.
   virtual runtime::Async<bool> mayControlFans(HelperCaller caller) = 0;
 };
 

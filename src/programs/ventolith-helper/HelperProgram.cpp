@@ -37,7 +37,9 @@ constexpr const char* footer = R"(Exit status:
 Environment, unless --system-service:
   VENTOLITH_BUS      the address of the message bus (the system's)
   VENTOLITH_MACHINE  which machine: unset is this computer, simulated:NAME a simulated one,
-                     socket:PATH a simulator that runs)";
+                     socket:PATH a simulator that runs
+  VENTOLITH_HWMON_ROOT  where this computer's devices are looked for (/sys/class/hwmon)
+  VENTOLITH_STATE_DIR   where it is noted what was taken (/run/ventolith))";
 
 struct Options {
   bool givesBack = false;

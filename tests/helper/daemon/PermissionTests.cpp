@@ -133,6 +133,14 @@ TEST_F(PermissionTest, AHeartbeatDoesNotCountOnceTheCallerIsGone) {
   EXPECT_EQ(fans.log, Lines{"automatic"});
 }
 
+TEST_F(PermissionTest, AHeartbeatDoesNotCountAfterARefusal) {
+  begin(anna, messages::Automatic());
+  authorizer.verdicts[anna] = false;
+  begin(anna, messages::FullBlast());
+  begin(anna, messages::Heartbeat());
+  EXPECT_EQ(fans.log, Lines{"automatic"});
+}
+
 TEST_F(PermissionTest, ACallerIsWatchedBeforeItsPermissionIsAskedFor) {
   authorizer.holdsBack = true;
   begin(anna, messages::FullBlast());

@@ -124,6 +124,19 @@ TEST_F(BuildCheckTest, TheAttemptsOfAProcessStartAtNone) {
   EXPECT_EQ(&processWideUpgradeAttempts(), &processWideUpgradeAttempts());
 }
 
+TEST_F(BuildCheckTest, ControllersOfAProcessShareItsAttemptsUnlessTheyAreGivenOthers) {
+  bringUp();
+  helper.build = "old";
+  const auto before = processWideUpgradeAttempts().count();
+  for (int controllers = 0; controllers < 2; ++controllers) {
+    const auto controller =
+        XPCFanController::make(time.executor(), time.executor(), time.clock, link.channels(),
+                               {.ownBuildVersion = ownBuild, .maxUpgradeAttempts = before + 1});
+    pass(5);
+  }
+  EXPECT_EQ(processWideUpgradeAttempts().count(), before + 1);
+}
+
 TEST_F(BuildCheckTest, ANewConnectionDoesNotStartTheCountAnew) {
   bringUp();
   helper.build = "old";

@@ -47,4 +47,8 @@ void allowInteractiveAuthorization(sdbus::MethodCall& call) {
   sd_bus_message_set_allow_interactive_authorization(rawOf(call), 1);
 }
 
+bool allowsInteractiveAuthorization(const sdbus::MethodCall& call) {
+  return sd_bus_message_get_allow_interactive_authorization(rawOf(call)) > 0;
+}
+
 } // namespace ventolith::platform

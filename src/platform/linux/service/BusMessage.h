@@ -47,5 +47,6 @@ void leaveServiceUnstarted(sdbus::MethodCall& call);
 
 /// The service may ask a person before it answers, however long that takes.
 void allowInteractiveAuthorization(sdbus::MethodCall& call);
+[[nodiscard]] bool allowsInteractiveAuthorization(const sdbus::MethodCall& call);
 
 } // namespace ventolith::platform

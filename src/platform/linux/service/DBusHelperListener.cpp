@@ -96,7 +96,8 @@ struct DBusHelperListener::State : std::enable_shared_from_this<DBusHelperListen
 void DBusHelperListener::State::take(const sdbus::MethodCall& call, HelperMessage message) {
   const std::uint64_t number = ++calls;
   unanswered.emplace(number, call);
-  boost::asio::post(executor, [listener = weak_from_this(), number, caller = HelperCaller{call.getSender()},
+  HelperCaller caller{call.getSender(), allowsInteractiveAuthorization(call)};
+  boost::asio::post(executor, [listener = weak_from_this(), number, caller = std::move(caller),
                                message = std::move(message)]() mutable {
     const auto self = listener.lock();
     if (!self) return;

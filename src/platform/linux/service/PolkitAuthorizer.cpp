@@ -14,6 +14,7 @@ namespace ventolith::platform {
 namespace {
 
 constexpr const char* action = "com.ventolith.helper.control-fans";
+constexpr std::uint32_t allowNoInteraction = 0;
 constexpr std::uint32_t allowUserInteraction = 1;
 
 /// (is authorized, is a challenge, details).
@@ -28,7 +29,7 @@ sdbus::MethodCall question(const BusConnection& connection, const helper::Helper
   const std::map<std::string, std::string> noDetails;
   const std::string notCancellable;
   call << Subject("system-bus-name", {{"name", sdbus::Variant(caller.name)}}) << action << noDetails
-       << allowUserInteraction << notCancellable;
+       << (caller.waitsForAPerson ? allowUserInteraction : allowNoInteraction) << notCancellable;
   return call;
 }
 
