@@ -1,0 +1,25 @@
+#include "app/AppModelDependencies.h"
+
+#include "core/PreviewController.h"
+#include "helper/link/XPCFanController.h"
+
+#include <utility>
+
+namespace ventolith::app {
+
+FanControllerFactory previewControllers(runtime::Executor engineExecutor, runtime::Clock& clock,
+                                        std::function<void(const std::string&)> print) {
+  return [engineExecutor = std::move(engineExecutor), &clock, print = std::move(print)] {
+    return std::make_shared<core::PreviewController>(engineExecutor, clock, print);
+  };
+}
+
+FanControllerFactory helperControllers(runtime::Executor engineExecutor, runtime::Executor mainExecutor,
+                                       runtime::Clock& clock, helper::HelperChannelFactory channels) {
+  return [engineExecutor = std::move(engineExecutor), mainExecutor = std::move(mainExecutor), &clock,
+          channels = std::move(channels)] {
+    return helper::XPCFanController::make(engineExecutor, mainExecutor, clock, channels);
+  };
+}
+
+} // namespace ventolith::app
