@@ -37,7 +37,7 @@ constexpr const char* footer = R"(Exit status:
   Of the commands that go to the helper besides:
   11  accepted, and the fans are still being taken over
   12  a fan did not come under control in time
-  13  the firmware took the fans back
+  13  the fans went back to the firmware before they were taken over
   14  the hardware refused
   15  not allowed
   16  no helper can be reached, or it does not answer

@@ -33,7 +33,7 @@ Async<ExitStatus> set(SetOptions options, Context& context) {
   const FanSpeed speed = readFanSpeed(options.speed);
   co_return co_await runRemoteCommand(
       {.send = [fan, speed](FanControlling& controller) { return sendSpeed(controller, fan, speed); },
-       .done = fmt::format("Fan {} is held at {}.", fan, speedText(speed)),
+       .done = fmt::format("Fan {} is held at {}, or as near as its range allows.", fan, speedText(speed)),
        .lasts = RemoteCommand::Lasts::onlyWithHeartbeats},
       context);
 }

@@ -3,6 +3,7 @@
 #include "helper/link/HelperManager.h"
 #include "programs/ventolithctl/DaemonWords.h"
 #include "programs/ventolithctl/Patience.h"
+#include "programs/ventolithctl/TextLayout.h"
 #include "programs/ventolithctl/Warn.h"
 
 #include <CLI/CLI.hpp>
@@ -39,13 +40,17 @@ Async<Registered> changed(runtime::Executor executor, std::unique_ptr<helper::Da
   co_return Registered{.manager = manager, .hasFailed = *hasFailed};
 }
 
+CommandError interruptedTooEarly() {
+  return {ExitStatus::interrupted, "interrupted before the system answered"};
+}
+
 /// The registration after `change`, which may wait for a person to answer. Fails with CommandError when the
 /// user ends the command.
 Async<Registered> changedUnlessInterrupted(Change change, Context& context) {
   auto registered = co_await within(
       noLimit, context.clock, context.stop,
       changed(co_await boost::asio::this_coro::executor, context.daemonService(), change, context));
-  if (!registered) throw CommandError(ExitStatus::interrupted, "interrupted before the system answered");
+  if (!registered) throw interruptedTooEarly();
   co_return std::move(*registered);
 }
 
@@ -82,13 +87,30 @@ Async<ExitStatus> enable(Change change, std::string done, Context& context) {
   co_return ExitStatus::done;
 }
 
+struct Unregistered {
+  DaemonStatus status = DaemonStatus::notFound;
+  helper::DaemonService::ErrorText error;
+};
+
+/// Not by a manager, which keeps to itself why it failed.
+Async<Unregistered> unregistered(std::unique_ptr<helper::DaemonService> service) {
+  auto error = co_await service->unregisterDaemon();
+  const DaemonStatus status = co_await service->status();
+  co_return Unregistered{.status = status, .error = std::move(error)};
+}
+
 Async<ExitStatus> uninstall(Context& context) {
-  const Registered registered = co_await changedUnlessInterrupted(&HelperManager::unregister, context);
-  const DaemonStatus status = registered.manager->status();
-  if (status == DaemonStatus::enabled)
-    throw CommandError(ExitStatus::commandFailed, "the helper is still installed");
-  if (status == DaemonStatus::notFound)
-    throw CommandError(ExitStatus::commandFailed, std::string(registrationReason(status)));
+  const auto left =
+      co_await within(noLimit, context.clock, context.stop, unregistered(context.daemonService()));
+  if (!left) throw interruptedTooEarly();
+  if (left->status == DaemonStatus::notFound)
+    throw CommandError(ExitStatus::commandFailed, std::string(registrationReason(left->status)));
+  const bool isStillThere = left->status != DaemonStatus::notRegistered;
+  if (isStillThere || left->error) {
+    throw CommandError(ExitStatus::commandFailed,
+                       std::string(isStillThere ? "the helper is still installed" : "the helper may still run") +
+                           (left->error ? ": " + printable(*left->error) : std::string()));
+  }
   context.out.write("The helper is uninstalled.\n");
   co_return ExitStatus::done;
 }

@@ -84,6 +84,12 @@ TEST_F(HelperCommand, UninstallThatLeavesItInstalledFails) {
   EXPECT_EQ(err.text, complaint("the helper is still installed"));
 }
 
+TEST_F(HelperCommand, UninstallThatDoesNotEndTheHelperSaysWhy) {
+  registration->unregistrationError = "the job timed out";
+  EXPECT_EQ(run({"helper", "uninstall"}), ExitStatus::commandFailed);
+  EXPECT_EQ(err.text, complaint("the helper may still run: the job timed out"));
+}
+
 TEST_F(HelperCommand, UninstallWhereThereIsNoneFails) {
   registration->statusAfterUnregister = DaemonStatus::notFound;
   EXPECT_EQ(run({"helper", "uninstall"}), ExitStatus::commandFailed);

@@ -31,14 +31,14 @@ protected:
 TEST_F(RemoteCommands, SetOfAnRPMIsSentAndTold) {
   EXPECT_EQ(run({"set", "0", "2400"}), ExitStatus::done);
   EXPECT_EQ(lastCommand(), helper::HelperMessage(messages::SetManualRPM{.fan = 0, .rpm = 2400}));
-  EXPECT_EQ(out.text, "Fan 0 is held at 2400 RPM.\n" + lapseNote);
+  EXPECT_EQ(out.text, "Fan 0 is held at 2400 RPM, or as near as its range allows.\n" + lapseNote);
   EXPECT_EQ(err.text, "");
 }
 
 TEST_F(RemoteCommands, SetOfAPercentageIsSentAndTold) {
   EXPECT_EQ(run({"set", "1", "45%"}), ExitStatus::done);
   EXPECT_EQ(lastCommand(), helper::HelperMessage(messages::SetPercent{.fan = 1, .percent = 45}));
-  EXPECT_EQ(out.text, "Fan 1 is held at 45 %.\n" + lapseNote);
+  EXPECT_EQ(out.text, "Fan 1 is held at 45 %, or as near as its range allows.\n" + lapseNote);
 }
 
 TEST_F(RemoteCommands, FullBlastIsSentAndTold) {

@@ -43,7 +43,7 @@ public:
   Async<ErrorText> unregisterDaemon() override {
     told_->log.emplace_back("unregister");
     told_->status = told_->statusAfterUnregister;
-    co_return std::nullopt;
+    co_return told_->unregistrationError;
   }
   void openSystemSettings() override { told_->log.emplace_back("settings"); }
 

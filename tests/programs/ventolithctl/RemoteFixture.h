@@ -53,6 +53,7 @@ struct Registration {
   helper::DaemonStatus status = helper::DaemonStatus::enabled;
   std::optional<std::string> registerError;
   helper::DaemonStatus statusAfterRegister = helper::DaemonStatus::enabled;
+  std::optional<std::string> unregistrationError;
   helper::DaemonStatus statusAfterUnregister = helper::DaemonStatus::notRegistered;
   bool answers = true;
   std::vector<std::string> log;
