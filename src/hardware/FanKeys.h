@@ -14,6 +14,10 @@ inline constexpr const char* fanCount = "FNum";
 /// Set to 1 around claims and releases, back to 0 when no fan is held.
 inline constexpr const char* forceTest = "Ftst";
 
+/// Of machines that keep a record of what is held: how many fans that an earlier process held have still to
+/// go back and are not among those of the machine now. No Mac has it.
+inline constexpr const char* fansOutOfReach = "FOoR";
+
 /// A key has four characters, of which the fan's index is one: this many fans can be named.
 inline constexpr core::FanID nameableFans = 10;
 

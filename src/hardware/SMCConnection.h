@@ -24,6 +24,8 @@ public:
   virtual runtime::Async<SMCResult<std::uint8_t>> writeUInt8(std::string key, std::uint8_t value) = 0;
   /// The same, for a number written as a 32-bit float.
   virtual runtime::Async<SMCResult<std::uint8_t>> writeFloat(std::string key, double value) = 0;
+  /// The key's value; fails with SMCError, of which keyNotFound says that there is no such key.
+  virtual runtime::Async<SMCResult<SMCValue>> readValue(std::string key) = 0;
   /// The key's value, none on any failure.
   virtual runtime::Async<std::optional<SMCValue>> tryReadValue(std::string key) = 0;
 };
@@ -44,7 +46,7 @@ public:
 
   runtime::Async<SMCResult<std::uint8_t>> writeUInt8(std::string key, std::uint8_t value) override;
   runtime::Async<SMCResult<std::uint8_t>> writeFloat(std::string key, double value) override;
-  runtime::Async<SMCResult<SMCValue>> readValue(std::string key);
+  runtime::Async<SMCResult<SMCValue>> readValue(std::string key) override;
   runtime::Async<std::optional<SMCValue>> tryReadValue(std::string key) override;
 
   /// All keys that begin with "T" and hold a number, in the SMC's order; empty if their count cannot be

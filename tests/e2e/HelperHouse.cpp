@@ -58,8 +58,9 @@ Environment HelperHouse::environment() const {
   return environment;
 }
 
-std::unique_ptr<Program> HelperHouse::startHelper(const std::vector<std::string>& options) {
-  auto helper = std::make_unique<Program>("ventolith-helper", options, environment());
+std::unique_ptr<Program> HelperHouse::startHelper(const std::vector<std::string>& options,
+                                                  const Streams& streams) {
+  auto helper = std::make_unique<Program>("ventolith-helper", options, environment(), streams);
   waitUntil("a helper that serves", [&] {
     if (!helper->isRunning()) throw std::runtime_error("the helper ended: " + helper->err());
     return Peer(bus_.address()).errorOf("HelperVersion").empty();

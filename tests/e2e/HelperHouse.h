@@ -77,7 +77,8 @@ public:
   [[nodiscard]] Environment environment() const;
 
   /// Starts a helper that admits this user, and waits until it serves.
-  std::unique_ptr<Program> startHelper(const std::vector<std::string>& options = {"--allow-same-user"});
+  std::unique_ptr<Program> startHelper(const std::vector<std::string>& options = {"--allow-same-user"},
+                                       const Streams& streams = {});
   /// The process of the helper that serves.
   [[nodiscard]] pid_t helperProcess() const;
   /// Waits until some helper tells its build, and returns that.

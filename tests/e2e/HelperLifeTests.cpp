@@ -43,6 +43,33 @@ TEST(HelperLife, GiveBackGivesBackWhatAKilledHelperLeftHeldWithoutABus) {
   EXPECT_TRUE(house.isEveryFanBack());
 }
 
+TEST(HelperLife, GiveBackLeavesTheFansOfAHelperThatLivesAlone) {
+  HelperHouse house;
+  const auto helper = house.startHelper();
+  ASSERT_EQ(Peer(house.bus().address()).call<std::int64_t>("FullBlast"), applied);
+
+  const Ended ended = run("ventolith-helper", {"--give-back"}, house.environment());
+  EXPECT_EQ(ended.status, 0) << ended.err;
+  EXPECT_FALSE(ended.err.empty());
+  EXPECT_TRUE(house.isEveryFanHeld());
+}
+
+TEST(HelperLife, GiveBackWaitsTwoSecondsForABusThatHangs) {
+  HelperHouse house;
+  const auto killed = house.startHelper();
+  ASSERT_EQ(Peer(house.bus().address()).call<std::int64_t>("FullBlast"), applied);
+  killed->signal(SIGKILL);
+  killed->wait();
+  house.bus().signal(SIGSTOP);
+
+  const auto start = Moment::now();
+  const Ended ended = run("ventolith-helper", {"--give-back"}, house.environment());
+  house.bus().signal(SIGCONT);
+  EXPECT_EQ(ended.status, 0) << ended.err;
+  EXPECT_GE(Moment::now() - start, std::chrono::seconds(2));
+  EXPECT_TRUE(house.isEveryFanBack());
+}
+
 TEST(HelperLife, GivesTheFansBackWhenItIsTerminated) {
   HelperHouse house;
   const auto helper = house.startHelper();
@@ -58,7 +85,7 @@ TEST(HelperLife, ASecondHelperEndsWithoutTouchingTheFans) {
   ASSERT_EQ(Peer(house.bus().address()).call<std::int64_t>("FullBlast"), applied);
 
   const Ended second = run("ventolith-helper", {"--allow-same-user"}, house.environment());
-  EXPECT_EQ(second.status, 1);
+  EXPECT_EQ(second.status, 3);
   EXPECT_FALSE(second.err.empty());
   EXPECT_TRUE(house.isEveryFanHeld());
   EXPECT_EQ(Peer(house.bus().address()).state().at("isHolding"), true);

@@ -1,5 +1,8 @@
 #include "e2e/MockPeer.h"
 
+#include <unistd.h>
+
+#include <exception>
 #include <stdexcept>
 
 namespace ventolith::e2e {
@@ -17,7 +20,22 @@ bool isOwned(const PrivateBus& bus, const std::string& name) {
   return is;
 }
 
+std::vector<std::string> templated(const std::string& name, const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = {"--template", name};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return arguments;
+}
+
 } // namespace
+
+NotAsRoot::NotAsRoot() : wasRoot_(::geteuid() == 0) {
+  constexpr uid_t nobody = 65534;
+  if (wasRoot_ && ::seteuid(nobody) != 0) throw std::runtime_error("another user cannot be played");
+}
+
+NotAsRoot::~NotAsRoot() {
+  if (wasRoot_ && ::seteuid(0) != 0) std::terminate(); // Every later test would be another.
+}
 
 std::unique_ptr<sdbus::IConnection> connectTo(const PrivateBus& bus) {
   return sdbus::createSessionBusConnectionWithAddress(bus.address());
@@ -28,16 +46,15 @@ void waitUntilOwned(const PrivateBus& bus, const std::string& name, bool owned) 
 }
 
 MockPeer::MockPeer(const PrivateBus& bus, const MockedObject& object)
-    : MockPeer(bus, object,
-               std::vector<std::string>{object.name, object.path, object.interface, "--system"}) {}
+    : MockPeer(bus, object, Arguments{{object.name, object.path, object.interface, "--system"}}) {}
 
-MockPeer::MockPeer(const PrivateBus& bus, const MockedObject& object, const std::string& templateName)
-    : MockPeer(bus, object, std::vector<std::string>{"--template", templateName}) {}
+MockPeer::MockPeer(const PrivateBus& bus, const MockedObject& object, const std::string& templateName,
+                   const std::vector<std::string>& options)
+    : MockPeer(bus, object, Arguments{templated(templateName, options)}) {}
 
-MockPeer::MockPeer(const PrivateBus& bus, const MockedObject& object, std::vector<std::string> arguments)
-    : object_(object) {
-  arguments.insert(arguments.begin(), {"-m", "dbusmock"});
-  program_ = std::make_unique<Program>("/usr/bin/python3", std::move(arguments),
+MockPeer::MockPeer(const PrivateBus& bus, const MockedObject& object, Arguments arguments) : object_(object) {
+  arguments.all.insert(arguments.all.begin(), {"-m", "dbusmock"});
+  program_ = std::make_unique<Program>("/usr/bin/python3", std::move(arguments.all),
                                        Environment{{"DBUS_SYSTEM_BUS_ADDRESS", bus.address()}});
   waitUntil(object.name, [&] {
     if (!program_->isRunning()) {

@@ -26,8 +26,9 @@ class MockPeer {
 public:
   /// An object that has no methods yet.
   MockPeer(const PrivateBus& bus, const MockedObject& object);
-  /// The object as one of dbusmock's own templates makes it.
-  MockPeer(const PrivateBus& bus, const MockedObject& object, const std::string& templateName);
+  /// The object as one of dbusmock's own templates makes it, with further options of dbusmock's.
+  MockPeer(const PrivateBus& bus, const MockedObject& object, const std::string& templateName,
+           const std::vector<std::string>& options = {});
 
   /// Has a method do what `code`, lines of Python, says: it takes `args`, and sets `ret`.
   void answer(const std::string& method, const std::string& in, const std::string& out,
@@ -56,7 +57,10 @@ public:
   void kill() { program_.reset(); }
 
 private:
-  MockPeer(const PrivateBus& bus, const MockedObject& object, std::vector<std::string> arguments);
+  struct Arguments {
+    std::vector<std::string> all;
+  };
+  MockPeer(const PrivateBus& bus, const MockedObject& object, Arguments arguments);
 
   MockedObject object_;
   std::unique_ptr<Program> program_;
@@ -67,6 +71,19 @@ private:
 
 /// Somebody else's connection to the bus.
 [[nodiscard]] std::unique_ptr<sdbus::IConnection> connectTo(const PrivateBus& bus);
+
+/// For as long as it lives this process is another user than root, and what it opens belongs to that one.
+/// Who is no root stays who he is.
+class NotAsRoot {
+public:
+  NotAsRoot();
+  NotAsRoot(const NotAsRoot&) = delete;
+  NotAsRoot& operator=(const NotAsRoot&) = delete;
+  ~NotAsRoot();
+
+private:
+  bool wasRoot_;
+};
 
 /// Waits until the name has an owner, or none.
 void waitUntilOwned(const PrivateBus& bus, const std::string& name, bool isOwned);

@@ -175,7 +175,7 @@ void Program::start(std::vector<std::string> arguments, const Environment& envir
 
   const Descriptor in(::open(streams.in.c_str(), O_RDONLY));
   const Descriptor out(openForWriting(outFile(), streams.isOutBroken));
-  const Descriptor err(openForWriting(errFile(), streams.isErrBroken));
+  const Descriptor err(openForWriting(streams.err.empty() ? errFile() : streams.err, streams.isErrBroken));
   const Launch launch{Pointers(std::move(arguments)), Pointers(std::move(settings)), in.get(), out.get(),
                       err.get()};
   process_ = ::fork();

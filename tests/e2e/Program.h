@@ -46,6 +46,7 @@ struct Streams {
   std::filesystem::path in = "/dev/null";
   bool isOutBroken = false; // A pipe that nobody reads any more.
   bool isErrBroken = false;
+  std::filesystem::path err = {}; // In place of the file that is kept.
 };
 
 /// How a program ended, and what it wrote.

@@ -1,4 +1,5 @@
 // Sleep and wake-up as logind tells them.
+#include "e2e/FullStandardError.h"
 #include "e2e/MockPeer.h"
 #include "e2e/PrivateBus.h"
 #include "e2e/ServiceLoop.h"
@@ -7,11 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ventolith::e2e {
@@ -36,8 +38,47 @@ std::vector<Inhibitor> inhibitors(const MockPeer& logind) {
   return all;
 }
 
+/// Takes every question for leave to delay sleep, and answers none.
+class HangingLogind {
+public:
+  explicit HangingLogind(const PrivateBus& bus)
+      : connection_(connectTo(bus)), object_(sdbus::createObject(*connection_, logindObject.path)) {
+    object_->registerMethod("Inhibit")
+        .onInterface(logindObject.interface)
+        .implementedAs([this](sdbus::Result<sdbus::UnixFd>&& answer, const std::string&, const std::string&,
+                              const std::string&, const std::string&) {
+          questions_.push_back(std::move(answer));
+          ++timesAsked_;
+        });
+    object_->registerSignal("PrepareForSleep").onInterface(logindObject.interface).withParameters<bool>();
+    object_->finishRegistration();
+    connection_->requestName(logindObject.name);
+    connection_->enterEventLoopAsync();
+  }
+  ~HangingLogind() { connection_->leaveEventLoop(); }
+  HangingLogind(const HangingLogind&) = delete;
+  HangingLogind& operator=(const HangingLogind&) = delete;
+
+  [[nodiscard]] int timesAsked() const { return timesAsked_; }
+  void tellOfSleep(bool begins) {
+    object_->emitSignal("PrepareForSleep").onInterface(logindObject.interface).withArguments(begins);
+  }
+
+private:
+  std::atomic<int> timesAsked_ = 0; // Counted in the connection's own thread.
+  std::unique_ptr<sdbus::IConnection> connection_;
+  std::unique_ptr<sdbus::IObject> object_;
+  std::vector<sdbus::Result<sdbus::UnixFd>> questions_; // Go before the connection.
+};
+
 struct SleepEvents : testing::Test {
   void startLogind() { logind = std::make_unique<MockPeer>(privateBus, logindObject, "logind"); }
+  /// One that is in the middle of it, as its property says.
+  void startLogindThatSleeps() {
+    logind = std::make_unique<MockPeer>(
+        privateBus, logindObject, "logind",
+        std::vector<std::string>{"--parameters", R"({"PreparingForSleep": true})"});
+  }
   void restartLogind() {
     logind.reset();
     waitUntilOwned(privateBus, logindObject.name, false);
@@ -101,7 +142,7 @@ TEST_F(SleepEvents, SleepWaitsUntilTheFansAreBack) {
   EXPECT_EQ(log, (Log{"going to sleep", "ready to sleep"}));
 }
 
-TEST_F(SleepEvents, TheNextSleepIsAskedToWaitBeforeTheWakeUpIsTold) {
+TEST_F(SleepEvents, TheNextSleepIsAskedToWaitToo) {
   startLogind();
   observe();
   untilInhibitors(1);
@@ -109,8 +150,53 @@ TEST_F(SleepEvents, TheNextSleepIsAskedToWaitBeforeTheWakeUpIsTold) {
   untilInhibitors(0);
   tellOfSleep(false);
   untilLogged({"going to sleep", "ready to sleep", "awake"});
-  EXPECT_EQ(inhibitors(*logind).size(), 1U);
+  untilInhibitors(1);
   tellOfSleep(true);
+  untilInhibitors(0);
+}
+
+TEST_F(SleepEvents, ALogindThatNeverGivesLeaveHoldsUpNoEvent) {
+  HangingLogind hanging(privateBus);
+  observe();
+  loop.until("the question for leave", [&] { return hanging.timesAsked() == 1; });
+  hanging.tellOfSleep(true);
+  untilLogged({"going to sleep", "ready to sleep"});
+  hanging.tellOfSleep(false);
+  untilLogged({"going to sleep", "ready to sleep", "awake"});
+  hanging.tellOfSleep(true);
+  untilLogged({"going to sleep", "ready to sleep", "awake", "going to sleep", "ready to sleep"});
+}
+
+TEST_F(SleepEvents, AWakeUpThatLogindDidNotLiveToTellIsToldByTheNext) {
+  startLogind();
+  observe();
+  untilInhibitors(1);
+  tellOfSleep(true);
+  untilLogged({"going to sleep", "ready to sleep"});
+  restartLogind();
+  untilLogged({"going to sleep", "ready to sleep", "awake"});
+  untilInhibitors(1);
+}
+
+TEST_F(SleepEvents, ALogindThatComesBackDuringTheSleepIsNoWakeUp) {
+  startLogind();
+  observe();
+  untilInhibitors(1);
+  tellOfSleep(true);
+  untilLogged({"going to sleep", "ready to sleep"});
+  logind.reset();
+  waitUntilOwned(privateBus, logindObject.name, false);
+  startLogindThatSleeps();
+  loop.runFor(100ms);
+  EXPECT_EQ(log, (Log{"going to sleep", "ready to sleep"}));
+  tellOfSleep(false);
+  untilLogged({"going to sleep", "ready to sleep", "awake"});
+}
+
+TEST_F(SleepEvents, WhoStartsWhileTheMachineGoesToSleepGoesToSleepToo) {
+  startLogindThatSleeps();
+  observe();
+  untilLogged({"going to sleep", "ready to sleep"});
   untilInhibitors(0);
 }
 
@@ -157,6 +243,17 @@ TEST_F(SleepEvents, WithoutLogindNothingHappensAndNothingIsSaid) {
 TEST_F(SleepEvents, WithoutABusNothingHappens) {
   privateBus.kill();
   EXPECT_NO_THROW(observe());
+}
+
+TEST_F(SleepEvents, ARefusalThatCannotBeReportedEndsNothing) {
+  logind = std::make_unique<MockPeer>(privateBus, logindObject);
+  logind->answer("Inhibit", "ssss", "h",
+                 "raise dbus.exceptions.DBusException('no', name='org.freedesktop.DBus.Error.AccessDenied')");
+  const FullStandardError full;
+  observe();
+  loop.until("the refusal", [&] { return logind->count("Inhibit") == 1; });
+  tellOfSleep(true);
+  untilLogged({"going to sleep", "ready to sleep"});
 }
 
 TEST_F(SleepEvents, ARefusalIsReportedAndSleepStillTold) {

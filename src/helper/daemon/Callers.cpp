@@ -30,7 +30,7 @@ std::shared_ptr<KnownCaller> Callers::find(const HelperCaller& name) const {
   return found == known_.end() ? nullptr : found->second;
 }
 
-std::shared_ptr<KnownCaller> Callers::beginCall(const HelperCaller& name) {
+std::shared_ptr<KnownCaller> Callers::beginCall(const HelperCaller& name, std::size_t bytes) {
   auto caller = find(name);
   if (!caller) {
     caller = std::make_shared<KnownCaller>();
@@ -38,12 +38,16 @@ std::shared_ptr<KnownCaller> Callers::beginCall(const HelperCaller& name) {
     listener_.watch(name);
   }
   ++caller->unanswered;
+  ++load_.calls;
+  load_.bytes += bytes;
   return caller;
 }
 
-void Callers::endCall(const HelperCaller& name, KnownCaller& caller) {
+void Callers::endCall(const HelperCaller& name, KnownCaller& caller, std::size_t bytes) {
   --caller.unanswered;
-  if (caller.isGone || caller.isAdmitted || caller.unanswered > 0) return;
+  --load_.calls;
+  load_.bytes -= bytes;
+  if (caller.gone.stopRequested() || caller.isAdmitted || caller.unanswered > 0) return;
   known_.erase(name);
   listener_.unwatch(name);
 }
@@ -51,7 +55,6 @@ void Callers::endCall(const HelperCaller& name, KnownCaller& caller) {
 std::shared_ptr<KnownCaller> Callers::take(const HelperCaller& name) {
   auto caller = find(name);
   known_.erase(name);
-  if (caller) caller->isGone = true;
   return caller;
 }
 

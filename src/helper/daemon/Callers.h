@@ -4,6 +4,7 @@
 #include "helper/link/HelperListener.h"
 #include "runtime/Async.h"
 #include "runtime/Event.h"
+#include "runtime/StopToken.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -37,7 +38,7 @@ private:
 struct KnownCaller {
   std::size_t unanswered = 0; // Changes, with and without permission.
   bool isAdmitted = false;    // Was allowed its last change: its heartbeats count.
-  bool isGone = false;
+  runtime::StopSource gone;   // Requested when it goes: whatever waits on its behalf ends.
   std::shared_ptr<ChangeOrder> order = std::make_shared<ChangeOrder>();
 };
 
@@ -47,13 +48,20 @@ class Callers {
 public:
   explicit Callers(HelperListener& listener) : listener_(listener) {}
 
+  /// Unanswered changes of all callers, those included that are gone.
+  struct Load {
+    std::size_t calls = 0;
+    std::size_t bytes = 0; // Of their bodies.
+  };
+
   /// None if it is not known.
   [[nodiscard]] std::shared_ptr<KnownCaller> find(const HelperCaller& name) const;
-  /// Counts one more unanswered change.
-  [[nodiscard]] std::shared_ptr<KnownCaller> beginCall(const HelperCaller& name);
-  void endCall(const HelperCaller& name, KnownCaller& caller);
+  /// Counts one more unanswered change, with a body of so many bytes.
+  [[nodiscard]] std::shared_ptr<KnownCaller> beginCall(const HelperCaller& name, std::size_t bytes);
+  void endCall(const HelperCaller& name, KnownCaller& caller, std::size_t bytes);
+  [[nodiscard]] const Load& load() const { return load_; }
 
-  /// Forgets it; returns what was known of it.
+  /// Forgets it; returns what was known of it. Whoever takes it tells it that it is gone.
   std::shared_ptr<KnownCaller> take(const HelperCaller& name);
 
   [[nodiscard]] std::size_t size() const { return known_.size(); }
@@ -61,6 +69,7 @@ public:
 private:
   HelperListener& listener_;
   std::map<HelperCaller, std::shared_ptr<KnownCaller>> known_;
+  Load load_;
 };
 
 /// Which complaints stand in the log already, so that a flood of calls is no flood of lines. Bounded: the

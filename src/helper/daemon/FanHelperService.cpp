@@ -36,6 +36,11 @@ Async<HelperAnswer> done(Async<void> command) {
   co_return HelperAnswer(replies::Done());
 }
 
+bool letsGo(const HelperMessage& message) {
+  return std::holds_alternative<messages::RestoreAuto>(message) ||
+         std::holds_alternative<messages::Automatic>(message);
+}
+
 std::size_t bodyBytes(const HelperMessage& message) {
   const auto* const config = std::get_if<messages::ApplyConfig>(&message);
   return config == nullptr ? 0 : config->plan.size();
@@ -64,6 +69,7 @@ void FanHelperService::callerIsGone(const HelperCaller& name) {
   const std::size_t dropped = caller->order->size();
   its_.log.note(fmt::format("{} is gone: {} of its calls dropped, {} go on without an answer", shown(name),
                             dropped, caller->unanswered - dropped));
+  caller->gone.requestStop();
 }
 
 /// What is refused whoever asks.
@@ -77,8 +83,19 @@ std::optional<Refusal> FanHelperService::refusalOf(const HelperCaller& name, con
   if (bodyBytes(message) > mostBodyBytes) {
     return refuse(Reason::bodyTooLarge, name, fmt::format("a body of more than {} bytes", mostBodyBytes));
   }
+  if (changesAnything(message) && !hasRoomFor(caller.get(), message))
+    return refuse(Reason::tooManyCalls, name, "too many calls of all clients at once");
   if (bodyBytes(message) > 0) complaints_.settle(Reason::bodyTooLarge, name);
   return std::nullopt;
+}
+
+/// Strangers that fill the house do not keep a caller who is admitted from its commands, such as the one that
+/// lets the fans go: its own bound is enough for those.
+bool FanHelperService::hasRoomFor(const KnownCaller* caller, const HelperMessage& change) const {
+  const Callers::Load& load = callers_.load();
+  const bool isAdmitted = caller != nullptr && caller->isAdmitted;
+  if (load.calls >= mostUnansweredOfAll && !isAdmitted) return false;
+  return bodyBytes(change) <= mostBodyBytesOfAll - load.bytes;
 }
 
 Refusal FanHelperService::refuse(Refusal::Reason reason, const HelperCaller& name, std::string text) {
@@ -87,11 +104,12 @@ Refusal FanHelperService::refuse(Refusal::Reason reason, const HelperCaller& nam
 }
 
 Async<HelperAnswer> FanHelperService::change(HelperCaller name, HelperMessage message) {
-  const auto caller = callers_.beginCall(name);
+  const std::size_t bytes = bodyBytes(message);
+  const auto caller = callers_.beginCall(name, bytes);
   HelperAnswer answer = co_await changeInOrder(name, std::move(message), caller);
-  callers_.endCall(name, *caller);
+  callers_.endCall(name, *caller, bytes);
   if (caller->unanswered == 0) complaints_.settle(Refusal::Reason::tooManyCalls, name);
-  if (caller->isGone) co_return std::nullopt;
+  if (caller->gone.stopRequested()) co_return std::nullopt;
   co_return answer;
 }
 
@@ -99,13 +117,18 @@ Async<HelperAnswer> FanHelperService::changeInOrder(HelperCaller name, HelperMes
                                                     std::shared_ptr<KnownCaller> caller) {
   const auto order = caller->order;
   const ChangeOrder::Place place = order->enter();
-  const bool isAllowed = co_await its_.authorizer.mayControlFans(name);
+  const bool wasAdmitted = caller->isAdmitted;
+  const bool isAllowed = co_await its_.authorizer.mayControlFans(name, caller->gone.token());
   caller->isAdmitted = isAllowed;
   co_await ChangeOrder::turn(order, place);
   order->leave(place);
   // From here up to where the fans hear of it nothing waits: the next change, which may begin now, comes
   // after.
-  if (caller->isGone) co_return std::nullopt;
+  if (caller->gone.stopRequested()) {
+    // A client that gives its fans back as it leaves has not waited for permission.
+    if (wasAdmitted && letsGo(message) && !isEnding_) co_await perform(name, message);
+    co_return std::nullopt;
+  }
   if (isEnding_) co_return HelperAnswer(Refusal{Refusal::Reason::shuttingDown, "the helper is ending"});
   if (!isAllowed) co_return answerWithoutPermission(name, message);
   complaints_.settle(Refusal::Reason::notAuthorized, name);

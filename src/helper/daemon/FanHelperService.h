@@ -24,6 +24,9 @@ class FanHelperService final : public HelperService {
 public:
   static constexpr std::size_t mostUnanswered = 32;      // Calls of one caller.
   static constexpr std::size_t mostBodyBytes = 1U << 20; // As core::JSONBounds allows.
+  /// Changes of all callers together. Beyond it those of admitted callers alone are taken.
+  static constexpr std::size_t mostUnansweredOfAll = 256;
+  static constexpr std::size_t mostBodyBytesOfAll = 8U << 20; // Of whomever.
 
   struct Surroundings {
     ServedFans& fans;
@@ -39,7 +42,8 @@ public:
   explicit FanHelperService(Surroundings surroundings);
 
   runtime::Async<HelperAnswer> answer(HelperCaller caller, HelperMessage message) override;
-  /// Changes of the caller that have not begun are dropped. Those that have run on, without an answer.
+  /// Changes of the caller that have not begun are dropped, and their permission is no longer waited for; but
+  /// an admitted caller gives its fans back even so. Those that have begun run on, without an answer.
   void callerIsGone(const HelperCaller& caller) override;
 
   /// From here on every change that has not begun is refused.
@@ -49,6 +53,7 @@ public:
 
 private:
   std::optional<Refusal> refusalOf(const HelperCaller& name, const HelperMessage& message);
+  [[nodiscard]] bool hasRoomFor(const KnownCaller* caller, const HelperMessage& change) const;
   Refusal refuse(Refusal::Reason reason, const HelperCaller& name, std::string text);
   runtime::Async<HelperAnswer> change(HelperCaller name, HelperMessage message);
   runtime::Async<HelperAnswer> changeInOrder(HelperCaller name, HelperMessage message,

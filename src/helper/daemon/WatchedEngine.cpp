@@ -1,5 +1,7 @@
 #include "helper/daemon/WatchedEngine.h"
 
+#include "hardware/FanKeys.h"
+
 #include <utility>
 
 namespace ventolith::helper {
@@ -27,6 +29,7 @@ WatchedEngine::WatchedEngine(const runtime::Executor& executor, runtime::Clock& 
                              HelperLog& log)
     : executor_(executor),
       clock_(clock),
+      smc_(smc),
       privileges_(privileges),
       supervisor_(supervisor),
       log_(log),
@@ -62,7 +65,35 @@ Async<void> WatchedEngine::heartbeat() {
 }
 
 Async<std::optional<std::string>> WatchedEngine::recover() {
-  return observed(engine_->restoreAllFansToAutomatic());
+  isRecoveryDue_ = true;
+  auto error = co_await observed(recoverOnce());
+  if (error && !std::exchange(keepsRecovering_, true))
+    runtime::start(executor_, "the recovery", recoverUntilItSucceeds());
+  co_return error;
+}
+
+Async<std::optional<std::string>> WatchedEngine::recoverOnce() {
+  std::optional<std::string> error;
+  if (co_await mayHaveFans()) error = co_await engine_->restoreAllFansToAutomatic();
+  if (!error) isRecoveryDue_ = false;
+  co_return error;
+}
+
+/// Whether there are fans at all that could have been taken; an error that is no answer counts as yes.
+Async<bool> WatchedEngine::mayHaveFans() {
+  const auto count = co_await smc_.readValue(hardware::fankeys::fanCount);
+  co_return count || !std::holds_alternative<hardware::SMCError::KeyNotFound>(count.error().value);
+}
+
+/// Through the watched clock: it is part of what the service manager watches.
+Async<void> WatchedEngine::recoverUntilItSucceeds() {
+  while (isRecoveryDue_) {
+    co_await watchedClock_.sleep(recoveryInterval, runtime::StopToken());
+    if (!isRecoveryDue_) break;
+    if (!co_await observed(recoverOnce()))
+      log_.note("every fan that was held before is with the firmware now");
+  }
+  keepsRecovering_ = false;
 }
 
 Async<std::optional<core::FanControlPlan>> WatchedEngine::planInForce() {
@@ -143,6 +174,8 @@ void WatchedEngine::watchItComeToRest() {
 Async<void> WatchedEngine::lookUntilItRests() {
   while (activity_ && engine_->isComingToRest()) {
     co_await clock_.sleep(restStep, activity_->token());
+    // A retry that has succeeded told nobody, and left the latch as it was.
+    if (isAtRest() && !currentState().perFanMode.empty()) co_await observed(engine_->restoreAuto());
     lookForRest();
   }
   looksForRest_ = false;
@@ -162,11 +195,16 @@ Async<std::optional<std::string>> WatchedEngine::giveEveryFanBack() {
 
 Async<std::optional<std::string>> WatchedEngine::giveBackOnce() {
   const ControlResult result = co_await automatic();
+  // Permission was lost while fans are held: the attempt is made all the same.
+  if (result == ControlResult::notPrivileged) co_await restoreAuto();
   for (int step = 0; step < standDownSteps && commandsUnderWay_ > 0; ++step)
     co_await clock_.sleep(standDownStep, runtime::StopToken());
+  if (isRecoveryDue_) {
+    if (auto error = co_await observed(recoverOnce())) co_return error;
+  }
   if (isAtRest()) co_return std::nullopt;
-  // Permission was lost while fans are held: the attempt is made all the same.
-  if (result == ControlResult::notPrivileged) co_return co_await recover();
+  if (result == ControlResult::notPrivileged)
+    co_return engine_->currentState().lastError.value_or(result.text());
   if (result != ControlResult::applied) co_return textOf(result);
   co_return "a command that was under way took fans meanwhile";
 }

@@ -5,6 +5,8 @@
 
 #include "hardware/FanKeys.h"
 
+#include <fmt/format.h>
+
 namespace ventolith::helper {
 
 using core::ControlResult;
@@ -20,6 +22,7 @@ constexpr int attemptsPerLatch = 20;  // The latch is rewritten with every twent
 constexpr int identicalRefusals = 5;  // So many in a row end the claim.
 constexpr std::uint8_t notYet = 0x82; // The SMC's answer while the latch takes hold: no refusal at all.
 constexpr std::uint8_t driverFailed = 255;
+constexpr auto keyNotFound = static_cast<std::uint8_t>(hardware::SMCParamStruct::ResultCode::keyNotFound);
 
 /// Counts identical refusals in a row.
 class RefusalCount {
@@ -41,18 +44,36 @@ private:
   int repeats_ = 0;
 };
 
+/// By its information, or by the read itself.
+bool saysNoSuchKey(const hardware::SMCError& error) {
+  const auto* refused = std::get_if<hardware::SMCError::Refused>(&error.value);
+  return std::holds_alternative<hardware::SMCError::KeyNotFound>(error.value) ||
+         (refused != nullptr && refused->result == keyNotFound);
+}
+
 } // namespace
 
 Async<std::optional<std::string>> LocalFanController::resolveModeKey(FanID fan) {
-  if (const auto known = modeKeyCache_.find(fan); known != modeKeyCache_.end()) co_return known->second;
-  if (!fankeys::isNameable(fan)) co_return std::nullopt;
-  // Any value, even one that holds no number, says that the key exists.
+  co_await learnModeKey(fan);
+  const auto known = modeKeyCache_.find(fan);
+  co_return known == modeKeyCache_.end() ? std::nullopt : std::optional(known->second);
+}
+
+/// Fills the cache. Returns why that could not even be tried; none, with nothing in the cache, for a fan that
+/// has no mode key. Of neither is anything remembered: the next try may succeed.
+Async<LocalFanController::ErrorText> LocalFanController::learnModeKey(FanID fan) {
+  if (modeKeyCache_.contains(fan) || !fankeys::isNameable(fan)) co_return std::nullopt;
+  ErrorText error;
   for (const auto& key : {fankeys::modeFirstChoice(fan), fankeys::modeSecondChoice(fan)}) {
-    if (!co_await smc_.tryReadValue(key)) continue;
-    modeKeyCache_.insert_or_assign(fan, key);
-    co_return key;
+    const auto value = co_await smc_.readValue(key);
+    if (value) { // Even one that holds no number says that the key exists.
+      modeKeyCache_.insert_or_assign(fan, key);
+      co_return std::nullopt;
+    }
+    if (!saysNoSuchKey(value.error()))
+      error = fmt::format("{} does not read ({})", key, value.error().description());
   }
-  co_return std::nullopt; // Nothing is remembered: the next try may succeed.
+  co_return error;
 }
 
 /// `applied`, `timedOut` after 10 seconds, or `rejected` with the code of the fifth identical refusal in

@@ -2,6 +2,8 @@
 
 #include "hardware/FanKeys.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 
 namespace ventolith::helper {
@@ -95,9 +97,32 @@ Async<LocalFanController::ErrorText> LocalFanController::recoverAtStart() {
   const auto count = co_await fanCount();
   if (!count) co_return "could not read FNum during startup recovery";
   // A release reaches the fans whose mode key is known, and this process knows none yet.
-  for (FanID fan = 0; fan < *count; ++fan)
-    co_await resolveModeKey(fan);
-  co_return co_await releaseAllToAuto(directCommand);
+  std::vector<std::string> errors;
+  for (FanID fan = 0; fan < *count; ++fan) {
+    if (auto error = co_await learnModeKey(fan)) errors.push_back(std::move(*error));
+  }
+  if (auto error = co_await outOfReach()) errors.push_back(std::move(*error));
+  const bool isHolding = isPlanInForce() && !(claimedFans_.empty() && monitoredFans_.empty());
+  auto error = isHolding ? co_await releaseAllButThePlans() : co_await releaseAllToAuto(directCommand);
+  if (error) errors.insert(errors.begin(), std::move(*error));
+  if (errors.empty()) co_return std::nullopt;
+  co_return fmt::format("{}", fmt::join(errors, "; "));
+}
+
+/// The fans that the plan in force does not control.
+Async<LocalFanController::ErrorText> LocalFanController::releaseAllButThePlans() {
+  for (const auto& [fan, modeKey] : modeKeyCache_) {
+    if (!claimedFans_.contains(fan) && !monitoredFans_.contains(fan)) pendingAutoReleaseFans_.insert(fan);
+  }
+  co_return co_await releasePendingAutoFans(directCommand);
+}
+
+/// Fans that a run before this one has held, and that are not among those of the machine as it stands.
+Async<LocalFanController::ErrorText> LocalFanController::outOfReach() {
+  const auto value = co_await smc_.tryReadValue(hardware::fankeys::fansOutOfReach);
+  const auto count = hardware::fankeys::truncated(value ? value->numeric() : std::nullopt).value_or(0);
+  if (count <= 0) co_return std::nullopt;
+  co_return fmt::format("{} fan(s) that were held before cannot be reached", count);
 }
 
 Async<void> LocalFanController::noteHeartbeat() {

@@ -53,9 +53,10 @@ public:
   runtime::Async<core::ControlResult> fullBlast() override;
 
   /// The one road into control: gives back the fans that left the plan, claims those that entered it,
-  /// starts the hold loop and runs a first pass. Claiming takes up to 10 seconds a fan. The last failure
-  /// is the result; fans that were claimed stay claimed even so. notPrivileged changes nothing; reclaimed
-  /// says that the fans were given back, by a command or a watchdog, while they were being claimed.
+  /// starts the hold loop and runs a first pass. Claiming takes up to 10 seconds a fan, and the watchdogs
+  /// see to the fans meanwhile; the heartbeat counts from the plan's arrival. The last failure is the result;
+  /// fans that were claimed stay claimed even so. notPrivileged changes nothing; reclaimed says that the fans
+  /// were given back, by a command or a watchdog, while they were being claimed.
   runtime::Async<core::ControlResult> applyPlan(core::FanControlPlan plan) override;
 
   /// Gives every fan back. A fan that refuses is retried every 2 seconds until it is back or a newer
@@ -85,7 +86,9 @@ public:
   [[nodiscard]] bool isComingToRest() const;
 
   /// The startup recovery: a previous run may have died and left fans in manual mode, so every fan of
-  /// the machine is given back. Returns what failed. Does not test privilege.
+  /// the machine is given back, but those of a plan that is in force. Returns what failed, which includes a
+  /// fan of which nothing can be learnt and one that is out of reach; it may be asked for again. Does not
+  /// test privilege.
   runtime::Async<std::optional<std::string>> restoreAllFansToAutomatic();
 
 private:
@@ -106,6 +109,8 @@ private:
   runtime::Async<core::ControlResult> applyToOneFan(core::FanID fan, core::FanControlModePlan mode);
   runtime::Async<core::ControlResult> applyFullBlast();
   runtime::Async<ErrorText> recoverAtStart();
+  runtime::Async<ErrorText> releaseAllButThePlans();
+  runtime::Async<ErrorText> outOfReach();
   runtime::Async<void> noteHeartbeat();
   runtime::Async<core::FanControlPlan> tellActivePlan();
   runtime::Async<std::optional<core::FanID>> fanCount();
@@ -113,6 +118,7 @@ private:
 
   // Taking a fan out of firmware control: FanClaim.cpp
   runtime::Async<std::optional<std::string>> resolveModeKey(core::FanID fan);
+  runtime::Async<ErrorText> learnModeKey(core::FanID fan);
   runtime::Async<core::ControlResult> claimManualMode(std::string modeKey, Generation generation);
 
   // Applying and asserting a plan: PlanAssertion.cpp
@@ -146,6 +152,7 @@ private:
   runtime::Async<ErrorText> releaseAllToAuto(std::optional<Generation> expectedRetryGeneration);
   runtime::Async<ErrorText> releasePendingAutoFans(std::optional<Generation> expectedRetryGeneration);
   runtime::Async<ErrorText> writeZero(std::string key);
+  runtime::Async<ErrorText> clearLatch();
   [[nodiscard]] bool isStale(std::optional<Generation> expectedRetryGeneration) const;
   void settleRelease(const std::set<core::FanID>& failed);
   void leaveToNewerCommand(const std::set<core::FanID>& failed);
@@ -172,6 +179,7 @@ private:
   std::set<core::FanID> pendingAutoReleaseFans_; // Have still to go back to the firmware.
   std::set<core::FanID> monitoredFans_;          // Those that the active plan does not leave automatic.
   std::set<core::FanID> stoppedFans_;            // Parked at zero by the stop policy.
+  int claimsUnderWay_ = 0;                       // Of commands; a pass claims nothing meanwhile.
   std::optional<runtime::StopSource> holdTask_;
   std::optional<runtime::StopSource> releaseRetryTask_;
   Generation releaseRetryGeneration_ = 0; // Advanced by each command; a retry of an older one stands down.

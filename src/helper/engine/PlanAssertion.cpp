@@ -43,6 +43,7 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
   const Generation generation = releaseGeneration_;
   standDownRetry();
   activePlan_ = plan;
+  lastHeartbeat_ = clock_.now(); // A new plan counts as one, from its arrival.
   monitoredFans_ = controlledFans(plan);
   std::erase_if(pendingAutoReleaseFans_, [this](FanID fan) { return monitoredFans_.contains(fan); });
   std::copy_if(claimedFans_.begin(), claimedFans_.end(),
@@ -50,13 +51,14 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
                [this](FanID fan) { return !monitoredFans_.contains(fan); });
   if (auto error = co_await releasePendingAutoFans(directCommand)) publishState(true, std::move(error));
 
+  // Claiming takes up to ten seconds a fan: what is claimed by then is watched from here on.
+  if (!monitoredFans_.empty() && generation == releaseGeneration_) ensureHoldLoopRunning();
   const ControlResult result = co_await claimPlannedFans(plan, generation);
   if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
   if (claimedFans_.empty() && monitoredFans_.empty()) {
     auto error = co_await releaseAllToAuto(directCommand);
     co_return error ? ControlResult::failed(std::move(*error)) : result;
   }
-  lastHeartbeat_ = clock_.now(); // A new plan counts as one.
   ensureHoldLoopRunning();
   auto snapshot = co_await sensors_.snapshot();
   if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
@@ -67,11 +69,15 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
   co_return result;
 }
 
-/// The last failure wins; fans that were claimed stay claimed even when a later one fails.
+/// Each fan once, however often the plan lists it. The last failure wins; fans that were claimed stay claimed
+/// even when a later one fails.
 Async<ControlResult> LocalFanController::claimPlannedFans(const FanControlPlan& plan, Generation generation) {
+  ++claimsUnderWay_;
   ControlResult result = ControlResult::applied;
+  std::set<FanID> tried;
   for (const FanPlan& entry : plan.fans) {
     if (entry.mode.isAutomatic() || claimedFans_.contains(entry.fanID)) continue;
+    if (!tried.insert(entry.fanID).second) continue;
     const auto modeKey = co_await resolveModeKey(entry.fanID);
     if (!modeKey) {
       result = ControlResult::failed("neither F<n>Md nor F<n>md exists on this machine");
@@ -84,6 +90,7 @@ Async<ControlResult> LocalFanController::claimPlannedFans(const FanControlPlan& 
       result = claim;
     }
   }
+  --claimsUnderWay_;
   co_return result;
 }
 
@@ -101,7 +108,7 @@ LocalFanController::assertPlanOnce(FanControlPlan plan, core::SensorSnapshot sna
   if (!co_await claimWantedFans(actions, plan, generation)) co_return std::vector<FanID>();
   const auto reclaimed = co_await holdTargetsOf(actions, generation);
   if (!reclaimed) co_return std::vector<FanID>();
-  const bool isLatchIdle = claimedFans_.empty() && !actions.forceTestEnabled;
+  const bool isLatchIdle = claimedFans_.empty() && !actions.forceTestEnabled && claimsUnderWay_ == 0;
   if (isLatchIdle && generation == releaseGeneration_) co_await smc_.writeUInt8(fankeys::forceTest, 0);
   co_return *reclaimed;
 }
@@ -118,9 +125,12 @@ Async<bool> LocalFanController::releaseFansOf(const FanHoldActions& actions, Gen
   co_return true;
 }
 
-/// Takes over what is to be held; a failed claim is for the next pass. False once `generation` has passed.
+/// Takes over what is to be held; a failed claim is for the next pass, and all of them are while a command
+/// claims: a pass that waited beside it would keep the watchdogs from what the command has claimed. False
+/// once `generation` has passed.
 Async<bool> LocalFanController::claimWantedFans(const FanHoldActions& actions, const FanControlPlan& plan,
                                                 Generation generation) {
+  if (claimsUnderWay_ > 0) co_return true;
   for (const FanID fan : actions.toClaim) {
     if (generation != releaseGeneration_) co_return false;
     const auto modeKey = co_await resolveModeKey(fan);

@@ -81,7 +81,7 @@ LocalFanController::releaseAllToAuto(std::optional<Generation> expectedRetryGene
   if (isStale(expectedRetryGeneration)) co_return std::nullopt;
   const bool isOvertaken = command != releaseRetryGeneration_;
   if (failed.empty() && !isOvertaken) { // Else the latch stays set: the retry or the newer command needs it.
-    auto error = co_await writeZero(fankeys::forceTest);
+    auto error = co_await clearLatch();
     if (isStale(expectedRetryGeneration)) co_return std::nullopt;
     if (error) errors.push_back(std::move(*error));
   }
@@ -106,6 +106,7 @@ LocalFanController::releasePendingAutoFans(std::optional<Generation> expectedRet
   const std::set<FanID> pending = pendingAutoReleaseFans_; // A copy, as above.
   for (const FanID fan : pending) {
     if (isStale(expectedRetryGeneration)) co_return std::nullopt;
+    if (!pendingAutoReleaseFans_.contains(fan)) continue; // A plan has come that holds it.
     const auto cachedKey = modeKeyCache_.find(fan);
     if (cachedKey == modeKeyCache_.end()) continue;
     const std::string modeKey = cachedKey->second;
@@ -121,10 +122,18 @@ LocalFanController::releasePendingAutoFans(std::optional<Generation> expectedRet
   co_return joined(errors);
 }
 
-/// Writes 0 to a mode key or to the latch, and returns what that failed with.
+/// Writes 0 to a mode key, and returns what that failed with.
 Async<LocalFanController::ErrorText> LocalFanController::writeZero(std::string key) {
   const auto written = co_await smc_.writeUInt8(key, 0);
   co_return failureText(key, written);
+}
+
+/// A machine without the latch has none to clear.
+Async<LocalFanController::ErrorText> LocalFanController::clearLatch() {
+  const auto written = co_await smc_.writeUInt8(fankeys::forceTest, 0);
+  const bool hasNone =
+      !written && std::holds_alternative<hardware::SMCError::KeyNotFound>(written.error().value);
+  co_return hasNone ? std::nullopt : failureText(fankeys::forceTest, written);
 }
 
 /// What a release leaves behind: the fans that refused, and nothing else.

@@ -3,6 +3,7 @@
 
 #include "helper/link/HelperListener.h"
 #include "runtime/Async.h"
+#include "runtime/StopToken.h"
 #include "runtime/Time.h"
 
 #include <functional>
@@ -17,9 +18,9 @@ public:
   CallerAuthorizer& operator=(const CallerAuthorizer&) = delete;
   virtual ~CallerAuthorizer() = default;
 
-  /// May wait for a person to answer, if the caller does. No for a caller that is gone, and when nobody can
-  /// be asked. Never throws.
-  virtual runtime::Async<bool> mayControlFans(HelperCaller caller) = 0;
+  /// May wait for a person to answer, if the caller does. No for a caller that is gone, when nobody can be
+  /// asked, and as soon as `stop` is requested. Never throws.
+  virtual runtime::Async<bool> mayControlFans(HelperCaller caller, runtime::StopToken stop) = 0;
 };
 
 /// The machine's going to sleep and waking up.

@@ -24,8 +24,10 @@ constexpr std::size_t longestFile = std::size_t{64} * 1024;
 /// Beyond what any driver's file takes; a record that says more was not written here.
 constexpr std::int64_t largestValue = 1'000'000;
 
+/// Nobody need be able to hear it.
 void complain(const std::string& what) {
-  fmt::print(stderr, "[Hwmon] {}\n", what);
+  const std::string line = fmt::format("[Hwmon] {}\n", what);
+  std::fputs(line.c_str(), stderr);
 }
 
 JSON toJSON(const std::optional<std::int64_t>& value) {
@@ -125,10 +127,26 @@ std::optional<FormerControl> ClaimsRecord::find(const FanIdentity& fan, const st
   return found->former;
 }
 
+std::vector<FanIdentity> ClaimsRecord::ofRoot(const std::string& root) const {
+  std::vector<FanIdentity> fans;
+  for (const ClaimRecord& record : records_) {
+    if (record.fan.root == root) fans.push_back(record.fan);
+  }
+  return fans;
+}
+
 void ClaimsRecord::put(ClaimRecord record) {
   std::erase_if(records_, [&](const ClaimRecord& one) { return one.fan == record.fan; });
   records_.push_back(std::move(record));
   save();
+}
+
+void ClaimsRecord::keep(ClaimRecord record) {
+  if (!folder_) return;
+  std::error_code error;
+  const bool isThere = fs::exists(*folder_ / "claims", error);
+  if (std::ranges::find(records_, record) == records_.end()) return put(std::move(record));
+  if (!isThere) save();
 }
 
 void ClaimsRecord::remove(const FanIdentity& fan) {
@@ -148,7 +166,7 @@ void ClaimsRecord::load() {
   }
 }
 
-void ClaimsRecord::save() const {
+void ClaimsRecord::save() {
   if (!folder_) return;
   const fs::path path = *folder_ / "claims";
   std::error_code error;
@@ -164,7 +182,9 @@ void ClaimsRecord::save() const {
     document.push_back(toJSON(record));
   // A driver's name may be any bytes.
   const std::string text = document.dump(1, ' ', false, JSON::error_handler_t::replace) + "\n";
-  if (!replaceFile(path, text)) complain(fmt::format("{} could not be written", path.string()));
+  const bool hasFailed = !replaceFile(path, text);
+  if (hasFailed && !hasFailed_) complain(fmt::format("{} could not be written", path.string()));
+  hasFailed_ = hasFailed;
 }
 
 } // namespace ventolith::platform

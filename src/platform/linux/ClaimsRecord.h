@@ -42,17 +42,24 @@ public:
 
   [[nodiscard]] std::optional<FormerControl> find(const FanIdentity& fan, const std::string& kind) const;
 
+  /// Those that are on record of any fan of the hwmon root, links resolved.
+  [[nodiscard]] std::vector<FanIdentity> ofRoot(const std::string& root) const;
+
   /// Replaces the record of the fan, if there is one.
   void put(ClaimRecord record);
+
+  /// Writes the records anew if their file, which has this one, is gone.
+  void keep(ClaimRecord record);
 
   void remove(const FanIdentity& fan);
 
 private:
   void load();
-  void save() const;
+  void save();
 
   std::optional<std::filesystem::path> folder_;
   std::vector<ClaimRecord> records_;
+  bool hasFailed_ = false; // The last attempt to write them, which was said.
 };
 
 } // namespace ventolith::platform

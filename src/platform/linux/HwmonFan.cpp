@@ -34,7 +34,10 @@ std::uint8_t HwmonFan::mode() const {
 }
 
 std::error_code HwmonFan::take(ClaimsRecord& claims) {
-  if (isClaimed()) return control_->takeAgain();
+  if (isClaimed()) {
+    claims.keep({identity_, control_->kind(), *former_});
+    return control_->takeAgain();
+  }
   // A record that still stands is of a run that could not give the fan back: what it found is older, and
   // truer, than what stands in the files now.
   const auto recorded = claims.find(identity_, control_->kind());

@@ -22,6 +22,11 @@ public:
   /// The number in fanN and `suffix`, for instance the RPM of "_input".
   [[nodiscard]] std::optional<std::int64_t> read(const char* suffix) const;
 
+  /// Whether it can be given back, and is the one of `fan`.
+  [[nodiscard]] bool isControllableAs(const FanIdentity& fan) const {
+    return isControllable() && identity_ == fan;
+  }
+
   // The rest is of fans that are controllable.
 
   /// The mode as a Mac's firmware tells it: manual, automatic, or reclaimed where a fan that is claimed
@@ -30,7 +35,8 @@ public:
 
   [[nodiscard]] std::optional<std::int64_t> target() const { return control_->target(); }
 
-  /// Claims the fan, what stood before on record first. On a claimed fan, takes it into manual again.
+  /// Claims the fan, what stood before on record first. On a claimed fan, takes it into manual again, and
+  /// puts it on record again if that is gone.
   [[nodiscard]] std::error_code take(ClaimsRecord& claims);
 
   /// Of a claimed fan. `asleep` is how long the machine has slept so far: more than at the last target

@@ -50,7 +50,9 @@ hardware::Machine hwmonMachine(const std::filesystem::path& root) {
 
 hardware::Machine thisComputer() {
   const std::filesystem::path root = hwmonRoot();
-  return discoverDevices(root).empty() ? absentMachine() : hwmonMachine(root);
+  hardware::Machine machine = hwmonMachine(root);
+  if (discoverDevices(root).empty()) machine.name = absentMachine().name; // It sees devices that come later.
+  return machine;
 }
 
 } // namespace ventolith::platform

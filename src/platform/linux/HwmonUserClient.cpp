@@ -95,11 +95,15 @@ void HwmonUserClient::discover() {
 
   keys_.clear();
   order_.clear();
-  addKey(keys::keyCount, {Role::keyCount});
-  addKey(keys::fanCount, {Role::fanCount});
-  for (std::size_t place = 0; place < fans_.size(); ++place)
-    addFanKeys(place);
-  addKey(keys::forceTest, {Role::forceTest});
+  const bool isOutOfReach = countOutOfReach() > 0;
+  if (!devices_.empty() || isOutOfReach) {
+    addKey(keys::keyCount, {Role::keyCount});
+    addKey(keys::fanCount, {Role::fanCount});
+    for (std::size_t place = 0; place < fans_.size(); ++place)
+      addFanKeys(place);
+    addKey(keys::forceTest, {Role::forceTest});
+  }
+  if (isOutOfReach) addKey(keys::fansOutOfReach, {Role::fansOutOfReach});
   for (std::size_t place = 0; place < temperatures_.size(); ++place) {
     addKey(temperatures_[place].key(), {Role::temperature, place});
   }
@@ -150,7 +154,7 @@ KernReturn HwmonUserClient::answer(const SMCParamStruct& input, SMCParamStruct& 
     return hardware::kernSuccess;
   }
 
-  if (selector == SMCParamStruct::Selector::writeKey) discoverWhileIdle();
+  if (selector == SMCParamStruct::Selector::writeKey || devices_.empty()) discoverWhileIdle();
   const auto found = keys_.find(input.key);
   if (found == keys_.end()) {
     output.result = notFound;
@@ -178,6 +182,7 @@ hardware::SMCKeyInfoData HwmonUserClient::infoOf(Role role) {
   switch (role) {
   case Role::keyCount: return {4, hardware::packKey("ui32"), 0};
   case Role::fanCount:
+  case Role::fansOutOfReach:
   case Role::forceTest:
   case Role::retiredMode:
   case Role::fanMode: return {1, hardware::packKey("ui8 "), 0};
@@ -202,6 +207,7 @@ HwmonUserClient::Bytes HwmonUserClient::read(const Key& key) {
   switch (key.role) {
   case Role::keyCount: return encodeUInt32(static_cast<std::uint32_t>(order_.size()));
   case Role::fanCount: return hardware::encodeUInt8(readFanCount());
+  case Role::fansOutOfReach: return hardware::encodeUInt8(countOutOfReach());
   case Role::forceTest: return hardware::encodeUInt8(forceTest_);
   case Role::fanMeasured: return encodeFloat(fans_[key.place].read("_input"));
   case Role::fanMinimum: return encodeFloat(fans_[key.place].read("_min"));
@@ -237,6 +243,14 @@ std::uint8_t HwmonUserClient::readFanCount() {
   return static_cast<std::uint8_t>(fans_.size());
 }
 
+std::uint8_t HwmonUserClient::countOutOfReach() const {
+  const auto recorded = claims_.ofRoot(root_.string());
+  const auto count = std::ranges::count_if(recorded, [this](const FanIdentity& identity) {
+    return std::ranges::none_of(fans_, [&](const HwmonFan& fan) { return fan.isControllableAs(identity); });
+  });
+  return static_cast<std::uint8_t>(std::min<std::ptrdiff_t>(count, 255));
+}
+
 void HwmonUserClient::lookWhileClaimed() {
   const bool isListingDue = ++looksWhileClaimed_ % looksPerListing == 0;
   if (isAnyClaimedGone()) isLost_ = true;
@@ -256,6 +270,7 @@ KernReturn HwmonUserClient::write(const Key& key, const hardware::SMCBytes& byte
     return hardware::kernSuccess;
   case Role::keyCount:
   case Role::fanCount:
+  case Role::fansOutOfReach:
   case Role::fanMeasured:
   case Role::fanMinimum:
   case Role::fanMaximum:

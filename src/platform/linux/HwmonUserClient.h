@@ -26,6 +26,8 @@ namespace ventolith::platform {
 /// any more, so that whoever holds fans gives all of them back; the last one that is given back starts the
 /// machine anew.
 ///
+/// Without a device, and without a claim on record, it has no key at all; each call looks for devices then.
+///
 /// Files stay open from one read to the next. That one was removed or replaced is noticed with the number of
 /// fans too, so whoever wants what is there now reads that number first.
 class HwmonUserClient final : public hardware::SMCUserClient {
@@ -48,6 +50,7 @@ private:
   enum class Role {
     keyCount,
     fanCount,
+    fansOutOfReach,
     forceTest,
     fanMeasured,
     fanMinimum,
@@ -82,6 +85,8 @@ private:
 
   [[nodiscard]] Bytes readTemperature(const TemperatureKey& key);
   [[nodiscard]] std::uint8_t readFanCount();
+  /// How many claims are on record that no fan of the machine answers to.
+  [[nodiscard]] std::uint8_t countOutOfReach() const;
   /// Notes that the machine is lost, if it is.
   void lookWhileClaimed();
   [[nodiscard]] hardware::KernReturn writeMode(HwmonFan& fan, std::uint8_t mode,

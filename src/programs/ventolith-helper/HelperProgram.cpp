@@ -33,6 +33,9 @@ constexpr const char* description =
 constexpr const char* footer = R"(Exit status:
   0  it was told to end, or made room for another build, and every fan is back with the firmware
   1  anything else; it has said why
+  3  another helper serves this computer, and has its fans
+
+With --give-back, 0 also when another helper serves: its fans are left alone.
 
 Environment, unless --system-service:
   VENTOLITH_BUS      the address of the message bus (the system's)
@@ -40,6 +43,12 @@ Environment, unless --system-service:
                      socket:PATH a simulator that runs
   VENTOLITH_HWMON_ROOT  where this computer's devices are looked for (/sys/class/hwmon)
   VENTOLITH_STATE_DIR   where it is noted what was taken (/run/ventolith))";
+
+constexpr int anotherServesStatus = 3;
+
+int statusOf(bool isDone) {
+  return isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+}
 
 struct Options {
   bool givesBack = false;
@@ -136,21 +145,26 @@ Claim claimListener(Process& process) {
   }
 }
 
-Async<bool> run(Process& process) {
-  process.machine = co_await ConnectedMachine::connect(select(process), process.clock, process.log);
+/// Returns the status to end with.
+Async<int> run(Process& process) {
   process.services.emplace(
       process.context.get_executor(), process.clock,
       platform::ServiceOptions{.busAddress = environment(process.options, "VENTOLITH_BUS"),
                                .helperProgram = std::nullopt});
+  if (process.options.givesBack && process.services->isHelperPresent()) {
+    process.log.note("a helper serves this computer, and its fans are left alone");
+    co_return EXIT_SUCCESS;
+  }
+  process.machine = co_await ConnectedMachine::connect(select(process), process.clock, process.log);
   process.supervisor = process.services->supervisor();
-  if (process.options.givesBack) co_return co_await giveBack(process);
+  if (process.options.givesBack) co_return statusOf(co_await giveBack(process));
   switch (claimListener(process)) {
-  case Claim::done: co_return co_await serve(process);
-  case Claim::anotherServes: co_return false; // The fans are that one's.
+  case Claim::done: co_return statusOf(co_await serve(process));
+  case Claim::anotherServes: co_return anotherServesStatus; // The fans are that one's.
   case Claim::nobodyToServe: break;
   }
   co_await giveBack(process);
-  co_return false;
+  co_return EXIT_FAILURE;
 }
 
 /// The status to end with right away; none to go on.
@@ -172,9 +186,10 @@ std::optional<int> parse(std::vector<std::string> arguments, const std::string& 
   }
 }
 
-/// Variables that are read elsewhere: where devices are looked for, where claims are kept.
+/// Variables that are read elsewhere: where devices are looked for, where claims are kept, where buses are.
 void forgetEnvironment() {
-  for (const char* name : {"VENTOLITH_HWMON_ROOT", "VENTOLITH_STATE_DIR"})
+  for (const char* name : {"VENTOLITH_HWMON_ROOT", "VENTOLITH_STATE_DIR", "DBUS_SYSTEM_BUS_ADDRESS",
+                           "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
     ::unsetenv(name);
 }
 
@@ -194,10 +209,10 @@ int runHelper(std::vector<std::string> arguments, const std::string& buildIdenti
     if (!error) process->stop.requestStop(); // Once: no further signal interrupts the handing back.
   });
 
-  bool isDone = false;
+  int status = EXIT_FAILURE;
   const auto runToItsEnd = [&]() -> Async<void> {
     try {
-      isDone = co_await run(*process);
+      status = co_await run(*process);
     } catch (const std::exception& error) {
       process->log.warn(error.what());
     }
@@ -205,7 +220,7 @@ int runHelper(std::vector<std::string> arguments, const std::string& buildIdenti
   };
   runtime::start(process->context.get_executor(), "the helper", runToItsEnd());
   process->context.run();
-  return isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+  return status;
 }
 
 } // namespace ventolith::programs

@@ -7,7 +7,8 @@
 namespace ventolith::programs {
 
 /// Serves until it is told to end, or does what `arguments` say, and returns the exit status: 0 after what
-/// was asked for, every fan given back; 1 otherwise. `arguments` come without the program's name.
+/// was asked for, every fan given back; 3 where another helper serves; 1 otherwise. `arguments` come without
+/// the program's name.
 int runHelper(std::vector<std::string> arguments, const std::string& buildIdentifier);
 
 } // namespace ventolith::programs

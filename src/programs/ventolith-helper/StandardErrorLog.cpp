@@ -1,8 +1,9 @@
 #include "programs/ventolith-helper/StandardErrorLog.h"
 
+#include "platform/system/service/ErrorLine.h"
+
 #include <fmt/format.h>
 
-#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,10 +16,7 @@ bool isStandardErrorTheJournal(const Environment& environment) {
 }
 
 void StandardErrorLog::write(const char* priority, const std::string& line) const {
-  pollfd standardError = {.fd = STDERR_FILENO, .events = POLLOUT, .revents = 0};
-  if (::poll(&standardError, 1, 0) != 1) return;
-  const std::string text = fmt::format("{}ventolith-helper: {}\n", isJournal_ ? priority : "", line);
-  static_cast<void>(::write(STDERR_FILENO, text.data(), text.size()));
+  platform::sayOnStandardError(fmt::format("{}ventolith-helper: {}", isJournal_ ? priority : "", line));
 }
 
 } // namespace ventolith::programs

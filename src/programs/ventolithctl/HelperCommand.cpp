@@ -107,9 +107,10 @@ Async<ExitStatus> uninstall(Context& context) {
     throw CommandError(ExitStatus::commandFailed, std::string(registrationReason(left->status)));
   const bool isStillThere = left->status != DaemonStatus::notRegistered;
   if (isStillThere || left->error) {
-    throw CommandError(ExitStatus::commandFailed,
-                       std::string(isStillThere ? "the helper is still installed" : "the helper may still run") +
-                           (left->error ? ": " + printable(*left->error) : std::string()));
+    throw CommandError(
+        ExitStatus::commandFailed,
+        std::string(isStillThere ? "the helper is still installed" : "the helper may still run") +
+            (left->error ? ": " + printable(*left->error) : std::string()));
   }
   context.out.write("The helper is uninstalled.\n");
   co_return ExitStatus::done;

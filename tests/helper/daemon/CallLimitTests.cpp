@@ -8,6 +8,13 @@ using Reason = Refusal::Reason;
 
 class CallLimitTest : public ServiceTest {
 protected:
+  /// Fills the house with questions of strangers that nobody answers.
+  void fillHouse() {
+    authorizer.holdsBack = true;
+    for (std::size_t call = 0; call < FanHelperService::mostUnansweredOfAll; ++call)
+      EXPECT_FALSE(*begin(fmt::format(":2.{}", call), messages::FullBlast()));
+  }
+  static messages::ApplyConfig largestBody() { return {std::string(FanHelperService::mostBodyBytes, ' ')}; }
   std::vector<Call> beginMany(std::size_t count) {
     std::vector<Call> calls;
     for (std::size_t call = 0; call < count; ++call)
@@ -97,14 +104,24 @@ TEST_F(CallLimitTest, CallsThatHaveNotBegunAreDroppedWhenTheirCallerGoes) {
   const Call second = begin(anna, messages::Automatic());
   gone(anna);
   EXPECT_EQ(log.notes, Lines{":1.1 is gone: 2 of its calls dropped, 0 go on without an answer"});
-
-  allow(1);
-  allow(0);
-
   EXPECT_TRUE(fans.log.empty());
   EXPECT_EQ(**first, std::nullopt);
   EXPECT_EQ(**second, std::nullopt);
   EXPECT_EQ(service.knownCallers(), 0U);
+}
+
+TEST_F(CallLimitTest, AnAdmittedCallerThatGivesItsFansBackAsItLeavesIsHeard) {
+  for (const HelperMessage& goodbye :
+       {HelperMessage(messages::RestoreAuto()), HelperMessage(messages::Automatic())}) {
+    fans.log.clear();
+    authorizer.holdsBack = false;
+    begin(anna, plan(1));
+    authorizer.holdsBack = true;
+    begin(anna, goodbye);
+    gone(anna);
+    EXPECT_EQ(fans.log.size(), 2U);
+    EXPECT_NE(fans.log.back().find("uto"), std::string::npos);
+  }
 }
 
 TEST_F(CallLimitTest, ACallThatHasBegunRunsOnWithoutAnAnswerWhenItsCallerGoes) {
@@ -124,6 +141,50 @@ TEST_F(CallLimitTest, ACallOfACallerThatIsGoneAlreadyLeavesNothingBehind) {
   begin(anna, messages::FullBlast());
   EXPECT_EQ(service.knownCallers(), 0U);
   EXPECT_TRUE(fans.log.empty());
+}
+
+TEST_F(CallLimitTest, WhatACallerThatGoesHasAskedIsNoLongerWaitedFor) {
+  authorizer.holdsBack = true;
+  for (std::size_t caller = 0; caller < 1000; ++caller) {
+    const std::string name = fmt::format(":2.{}", caller);
+    const Call call = begin(name, largestBody());
+    gone(name);
+    ASSERT_TRUE(*call) << caller;
+  }
+  EXPECT_EQ(service.knownCallers(), 0U);
+}
+
+TEST_F(CallLimitTest, AllCallersTogetherHaveABound) {
+  fillHouse();
+  EXPECT_EQ(reasonOf(answer(anna, messages::FullBlast())), Reason::tooManyCalls);
+  EXPECT_EQ(service.knownCallers(), FanHelperService::mostUnansweredOfAll);
+  decide(0, false);
+  EXPECT_FALSE(*begin(anna, messages::FullBlast()));
+}
+
+TEST_F(CallLimitTest, AFullHouseStillTellsItsState) {
+  fillHouse();
+  EXPECT_TRUE(*begin(anna, messages::ReadState()));
+}
+
+TEST_F(CallLimitTest, AFullHouseStillTakesTheCallsOfAnAdmittedCaller) {
+  begin(anna, messages::FullBlast());
+  fillHouse();
+  EXPECT_FALSE(*begin(anna, messages::SetPercent{0, 50}));
+  EXPECT_FALSE(*begin(anna, messages::Automatic()));
+  allow(FanHelperService::mostUnansweredOfAll);
+  allow(FanHelperService::mostUnansweredOfAll + 1);
+  EXPECT_EQ(fans.log, (Lines{"fullBlast", "setPercent 0 50", "automatic"}));
+}
+
+TEST_F(CallLimitTest, TheBodiesOfAllCallersTogetherHaveABound) {
+  authorizer.holdsBack = true;
+  for (std::size_t caller = 0; caller < 8; ++caller)
+    EXPECT_FALSE(*begin(fmt::format(":2.{}", caller), largestBody()));
+  EXPECT_EQ(reasonOf(answer(anna, messages::ApplyConfig{" "})), Reason::tooManyCalls);
+  EXPECT_FALSE(*begin(bert, messages::Automatic())); // Brings none.
+  gone(":2.0");
+  EXPECT_FALSE(*begin(anna, largestBody()));
 }
 
 TEST(Complaints, TheOldestIsForgottenFirst) {

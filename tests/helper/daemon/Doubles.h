@@ -37,10 +37,11 @@ public:
   bool holdsBack = false;
   std::vector<std::string> asked;
 
-  runtime::Async<bool> mayControlFans(HelperCaller caller) override {
+  runtime::Async<bool> mayControlFans(HelperCaller caller, runtime::StopToken stop) override {
     asked.push_back(caller.name);
     if (holdsBack) {
       Question& question = questions_.emplace_back(co_await boost::asio::this_coro::executor);
+      const auto giveUp = stop.onStop([&question] { question.answered.happen(); });
       co_await question.answered.wait();
       co_return question.verdict;
     }

@@ -28,6 +28,9 @@ public:
     if (hangs) co_await forever();
     co_return co_await scripted.writeFloat(std::move(key), value);
   }
+  Async<hardware::SMCResult<hardware::SMCValue>> readValue(std::string key) override {
+    co_return co_await scripted.readValue(std::move(key));
+  }
   Async<std::optional<hardware::SMCValue>> tryReadValue(std::string key) override {
     co_return co_await scripted.tryReadValue(std::move(key));
   }
@@ -56,6 +59,7 @@ protected:
   ~EngineHouse() override {
     hanging.hangs = false;
     smc().acceptAll();
+    smc().unreadable.clear();
     time.clock.run(engine.restoreAuto());
   }
 

@@ -28,6 +28,27 @@ TEST_F(HelperDaemonTest, AStartThatLeavesAFanIsSaidAndServesAllTheSame) {
   EXPECT_TRUE(supervisor.isWatched); // It goes on trying.
 }
 
+TEST_F(HelperDaemonTest, AStartThatCannotCountTheFansIsMadeGoodWhileItServes) {
+  leaveHeld("F1Md");
+  mac->failDriver("FNum", simulated::DriverFailure::all);
+  start();
+  EXPECT_EQ(log.warnings, Lines{"at the start: could not read FNum during startup recovery"});
+  EXPECT_TRUE(supervisor.isWatched);
+  mac->failDriver("FNum", simulated::DriverFailure::none);
+  pass(2);
+  EXPECT_EQ(modes(), automatic);
+  EXPECT_EQ(time.clock.sleeperCount(), 0U);
+}
+
+TEST_F(HelperDaemonTest, ToldToEndBeforeTheFansCouldBeCountedItSaysThatTheyAreNotBack) {
+  mac->failDriver("FNum", simulated::DriverFailure::all);
+  start();
+  stop.requestStop();
+  pass(9);
+  ASSERT_TRUE(outcome);
+  EXPECT_FALSE(outcome->areFansBack);
+}
+
 TEST_F(HelperDaemonTest, IdleItWaitsForNoTime) {
   start();
   const auto client = connect();

@@ -33,12 +33,14 @@ TEST_F(WatchedEngineTest, AReleaseByAWatchdogEndsTheWatch) {
   EXPECT_TRUE(isIdle());
 }
 
-TEST_F(WatchedEngineTest, AClaimThatHangsGivesNoSignOfLife) {
+TEST_F(WatchedEngineTest, AClaimThatHangsGivesNoFurtherSign) {
   hanging.hangs = true;
   begin(engine.applyPlan(fixed({{0, 3000}})));
+  pass(2); // The first round beside it begins, and goes nowhere.
+  const int signs = supervisor.signs;
   pass(60);
   EXPECT_TRUE(supervisor.isWatched);
-  EXPECT_EQ(supervisor.signs, 0);
+  EXPECT_EQ(supervisor.signs, signs);
 }
 
 TEST_F(WatchedEngineTest, AReleaseThatHangsGivesNoSignOfLife) {
@@ -80,6 +82,20 @@ TEST_F(WatchedEngineTest, IsWatchedUntilAFanThatRefusesIsBack) {
   EXPECT_TRUE(isIdle());
 }
 
+TEST_F(WatchedEngineTest, AFanThatWentBackAtLastIsReportedSoAndTheLatchIsCleared) {
+  run(engine.applyPlan(fixed({{0, 3000}})));
+  smc().refuseForEver("F0Md=0", 5);
+  run(engine.automatic());
+  EXPECT_FALSE(engine.currentState().perFanMode.empty());
+  smc().acceptAll();
+  pass(6);
+  EXPECT_TRUE(engine.currentState().perFanMode.empty());
+  EXPECT_FALSE(engine.currentState().isHolding);
+  EXPECT_EQ(engine.currentState().lastError, std::nullopt);
+  EXPECT_EQ(smc().writes().back(), "Ftst=0");
+  EXPECT_TRUE(isIdle());
+}
+
 TEST_F(WatchedEngineTest, IsWatchedUntilAFanThatFellOutOfAPlanIsBack) {
   run(engine.applyPlan(fixed({{0, 3000}})));
   smc().refuseForEver("F0Md=0", 5);
@@ -105,6 +121,64 @@ TEST_F(WatchedEngineTest, AnotherPlanRightAfterAReleaseIsWatchedAgain) {
   EXPECT_TRUE(supervisor.isWatched);
   pass(20);
   EXPECT_TRUE(isIdle());
+}
+
+TEST_F(WatchedEngineTest, ARecoveryThatFailsIsTriedEveryTwoSecondsUntilItSucceeds) {
+  smc().unreadable = {"FNum"};
+  EXPECT_EQ(run(engine.recover()), "could not read FNum during startup recovery");
+  EXPECT_FALSE(engine.isAtRest());
+  pass(60);
+  EXPECT_TRUE(supervisor.isWatched);
+  EXPECT_EQ(supervisor.signs, 30);
+  EXPECT_TRUE(smc().writes().empty());
+  smc().unreadable.clear();
+  pass(2);
+  EXPECT_EQ(smc().writes(), (std::vector<std::string>{"Ftst=1", "F0Md=0", "F1Md=0", "Ftst=0"}));
+  EXPECT_TRUE(isIdle());
+}
+
+TEST_F(WatchedEngineTest, AFanWhoseModeKeyDidNotReadIsGivenBackWhenItDoes) {
+  smc().unreadable = {"F1Md"};
+  EXPECT_NE(run(engine.recover()), std::nullopt);
+  smc().log.clear();
+  smc().unreadable.clear();
+  pass(2);
+  EXPECT_EQ(smc().count("F1Md=0"), 1);
+  EXPECT_TRUE(isIdle());
+}
+
+TEST_F(WatchedEngineTest, ARecoveryThatIsTriedAgainLeavesThePlanOfAClientAlone) {
+  smc().unreadable = {"F1Md"};
+  run(engine.recover());
+  run(engine.applyPlan(fixed({{0, 3000}})));
+  smc().log.clear();
+  smc().unreadable.clear();
+  passAlive(5);
+  EXPECT_EQ(smc().count("F1Md=0"), 1);
+  EXPECT_EQ(smc().count("F0Md=0"), 0);
+  EXPECT_EQ(engine.currentState().targets, (std::map<FanID, std::int64_t>{{0, 3000}}));
+}
+
+TEST_F(WatchedEngineTest, AMachineWithoutFansIsRecovered) {
+  smc().values.clear();
+  EXPECT_EQ(run(engine.recover()), std::nullopt);
+  EXPECT_TRUE(smc().writes().empty());
+  EXPECT_TRUE(isIdle());
+}
+
+TEST_F(WatchedEngineTest, GivingEveryFanBackIncludesARecoveryThatHasNotSucceeded) {
+  smc().unreadable = {"FNum"};
+  run(engine.recover());
+  smc().unreadable.clear();
+  EXPECT_EQ(run(engine.giveEveryFanBack()), std::nullopt);
+  EXPECT_EQ(smc().count("F0Md=0"), 1);
+  EXPECT_TRUE(engine.isAtRest());
+}
+
+TEST_F(WatchedEngineTest, ARecoveryThatNeverSucceedsIsToldAtTheEnd) {
+  smc().unreadable = {"FNum"};
+  run(engine.recover());
+  EXPECT_EQ(run(engine.giveEveryFanBack()), "could not read FNum during startup recovery");
 }
 
 TEST_F(WatchedEngineTest, KeepsTheStreamOfStatesShort) {
@@ -170,6 +244,13 @@ TEST_F(WatchedEngineTest, FansAreTriedToBeGivenBackThoughThePrivilegeWasLost) {
   privileges.isRoot = false;
   EXPECT_EQ(run(engine.giveEveryFanBack()), std::nullopt);
   EXPECT_EQ(smc().log.back(), "Ftst=0");
+}
+
+TEST_F(WatchedEngineTest, WhatKeepsAFanFromGoingBackWithoutThePrivilegeIsTold) {
+  run(engine.applyPlan(fixed({{0, 3000}})));
+  privileges.isRoot = false;
+  smc().refuseForEver("F0Md=0", 5);
+  EXPECT_EQ(run(engine.giveEveryFanBack()), "failed to restore Auto: F0Md=0 rejected (SMC 0x5)");
 }
 
 class UnsupervisedEngineTest : public EngineHouse {

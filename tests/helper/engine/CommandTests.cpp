@@ -91,6 +91,52 @@ TEST_F(CommandTest, StartupRecoveryWithoutAFanCountSaysSo) {
   EXPECT_EQ(run(controller->restoreAllFansToAutomatic()), "could not read FNum during startup recovery");
 }
 
+TEST_F(CommandTest, StartupRecoveryTellsOfAFanWhoseModeKeyDoesNotReadAndGivesTheOthersBack) {
+  smc.unreadable = {"F0Md"};
+  EXPECT_EQ(run(controller->restoreAllFansToAutomatic()),
+            "F0Md does not read (IOConnectCallStructMethod failed: kern_return_t=0xe00002bc)");
+  EXPECT_EQ(smc.writes(), (std::vector<std::string>{"Ftst=1", "F1Md=0", "Ftst=0"}));
+}
+
+TEST_F(CommandTest, StartupRecoveryTakesAFanWithoutAModeKeyForOneThatCannotBeHeld) {
+  smc.values.erase("F0Md");
+  EXPECT_EQ(run(controller->restoreAllFansToAutomatic()), std::nullopt);
+}
+
+TEST_F(CommandTest, ARecoveryWhileAPlanIsInForceLeavesItsFansAlone) {
+  run(controller->applyPlan(fixed({{0, 3000}})));
+  smc.log.clear();
+  EXPECT_EQ(run(controller->restoreAllFansToAutomatic()), std::nullopt);
+  EXPECT_EQ(smc.writes(), (std::vector<std::string>{"Ftst=1", "F1Md=0"}));
+  passAlive(5);
+  EXPECT_TRUE(state().isHolding);
+}
+
+TEST_F(CommandTest, ARecoveryBesideAPlanThatHoldsNothingClearsTheLatch) {
+  FanControlPlan plan;
+  plan.rules.push_back(rule(60, 55, 100));
+  run(controller->applyPlan(plan));
+  run(controller->restoreAllFansToAutomatic());
+  EXPECT_EQ(smc.writes().back(), "Ftst=0");
+}
+
+TEST_F(CommandTest, APlanThatComesDuringARecoveryBesideAnotherKeepsItsFans) {
+  run(controller->applyPlan(fixed({{0, 3000}})));
+  smc.setNumber("FNum", 3);
+  smc.setNumber("F2Md", 1);
+  sensors.next.fans.push_back({2, "Fan 2", 2000, 2000, 8000, 0});
+  bool comes = false;
+  smc.beforeWrite = [&](const std::string& write) {
+    if (write != "F1Md=0" || std::exchange(comes, true)) return;
+    begin(controller->applyPlan(fixed({{0, 3000}, {2, 5000}})));
+  };
+  run(controller->restoreAllFansToAutomatic());
+  passAlive(5);
+  ASSERT_TRUE(comes);
+  EXPECT_EQ(smc.count("F2Md=0"), 0);
+  EXPECT_EQ(state().targets, (std::map<FanID, std::int64_t>{{0, 3000}, {2, 5000}}));
+}
+
 TEST_F(CommandTest, StartupRecoveryReportsWhatFailed) {
   smc.refuseForEver("F1Md=0", 0x85);
   EXPECT_EQ(run(controller->restoreAllFansToAutomatic()),

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ class ScriptedSMC final : public hardware::SMCWriting {
 public:
   std::vector<std::string> log;
   std::map<std::string, hardware::SMCValue> values;
+  std::set<std::string> unreadable; // The driver fails at them.
   /// Asked for every write; 0 unless a test says otherwise.
   std::function<Written(const std::string& write)> answer = [](const std::string&) {
     return Written(std::uint8_t{0});
@@ -47,11 +49,17 @@ public:
   Async<Written> writeFloat(std::string key, double value) override {
     return write(fmt::format("{}={}", key, value));
   }
-  Async<std::optional<hardware::SMCValue>> tryReadValue(std::string key) override {
+  Async<hardware::SMCResult<hardware::SMCValue>> readValue(std::string key) override {
     co_await boost::asio::post(boost::asio::use_awaitable);
     log.push_back(key + "?");
+    if (unreadable.contains(key)) co_return driverError;
     const auto found = values.find(key);
-    co_return found == values.end() ? std::nullopt : std::optional(found->second);
+    if (found == values.end()) co_return hardware::SMCError::keyNotFound(key);
+    co_return found->second;
+  }
+  Async<std::optional<hardware::SMCValue>> tryReadValue(std::string key) override {
+    const auto value = co_await readValue(std::move(key));
+    co_return value ? std::optional(*value) : std::nullopt;
   }
 
   void setNumber(const std::string& key, std::uint32_t value) {
@@ -73,6 +81,13 @@ public:
   void failForEver(const std::string& write) {
     answer = [write](const std::string& asked) {
       return asked == write ? Written(driverError) : Written(std::uint8_t{0});
+    };
+  }
+  /// A machine without the force latch.
+  void haveNoLatch() {
+    answer = [](const std::string& asked) {
+      return asked.starts_with("Ftst=") ? Written(hardware::SMCError::keyNotFound("Ftst"))
+                                        : Written(std::uint8_t{0});
     };
   }
   void acceptAll() {

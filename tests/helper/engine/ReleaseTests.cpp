@@ -79,6 +79,25 @@ TEST_F(ReleaseTest, ALatchThatRefusesIsAFailureWithoutPendingFans) {
   EXPECT_TRUE(state().perFanMode.empty());
 }
 
+TEST_F(ReleaseTest, AMachineWithoutALatchHasNoneToClear) {
+  smc.haveNoLatch();
+  holdBoth();
+  EXPECT_EQ(run(controller->automatic()), ControlResult::applied);
+  EXPECT_EQ(state(), ControlState::idle);
+  EXPECT_TRUE(controller->isAtRest());
+}
+
+TEST_F(ReleaseTest, ACommandOnAMachineWithoutFansLeavesNothingToRetry) {
+  smc.values.clear();
+  smc.haveNoLatch();
+  sensors.next = {};
+  EXPECT_EQ(run(controller->setManual(0, 3000)),
+            ControlResult::failed("neither F<n>Md nor F<n>md exists on this machine"));
+  pass(10);
+  EXPECT_TRUE(controller->isAtRest());
+  EXPECT_EQ(clock.sleeperCount(), 0U);
+}
+
 TEST_F(ReleaseTest, ALatchThatRefusedIsRetriedWithEverything) {
   holdBoth();
   smc.refuse("Ftst=0", {0x10});

@@ -40,11 +40,13 @@ TEST(ThisComputer, IsTheHwmonDevicesOfTheRootThatTheEnvironmentNames) {
   const HwmonTree tree;
   ::setenv("VENTOLITH_HWMON_ROOT", tree.root().c_str(), 1);
   const hardware::Machine empty = thisComputer();
+  EXPECT_EQ(empty.name, absentMachine().name);
+  EXPECT_EQ(Keys(*empty.smc).read("FNum"), std::nullopt);
   tree.addIntelMac("hwmon0");
+  EXPECT_EQ(Keys(*empty.smc).read("F0Ac"), 2000); // What comes later is seen.
   const hardware::Machine hwmon = thisComputer();
   ::unsetenv("VENTOLITH_HWMON_ROOT");
 
-  EXPECT_EQ(Keys(*empty.smc).read("FNum"), std::nullopt);
   EXPECT_EQ(hwmon.name, "hwmon at " + tree.root().string());
   EXPECT_EQ(Keys(*hwmon.smc).read("F0Ac"), 2000);
 }

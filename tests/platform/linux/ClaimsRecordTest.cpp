@@ -4,7 +4,9 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
+#include <unistd.h>
 
 namespace ventolith::platform {
 namespace {
@@ -99,6 +101,103 @@ TEST(Claims, OnRecordAreGoneWhenTheClaimIsRefused) {
   EXPECT_EQ(driver.keys.write("F0Md", 1), (Answer{0, ENOSPC}));
 
   EXPECT_TRUE(fs::is_empty(tree.stateFolder()));
+}
+
+TEST(Claims, OfADeviceThatIsAbsentAreCountedAsOutOfReachUntilItIsThere) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  takeAndDie(tree);
+  fs::rename(tree.root() / "hwmon0", tree.sys() / "unplugged");
+
+  Driver next(tree);
+  EXPECT_EQ(next.keys.read("FNum"), 0);
+  EXPECT_EQ(next.keys.read("FOoR"), 1);
+
+  fs::rename(tree.sys() / "unplugged", tree.root() / "hwmon3");
+  EXPECT_EQ(next.keys.read("FNum"), 1);
+  EXPECT_EQ(next.keys.write("F0Md", 0), applied);
+  EXPECT_EQ(tree.text("hwmon3/pwm1_enable"), "5");
+  EXPECT_EQ(next.keys.read("FOoR"), std::nullopt);
+}
+
+TEST(Claims, OfAFanThatCannotBeControlledAnyMoreAreOutOfReach) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  takeAndDie(tree);
+  tree.remove("hwmon0/pwm1_enable");
+
+  Driver next(tree);
+
+  EXPECT_EQ(next.keys.read("FNum"), 1);
+  EXPECT_EQ(next.keys.read("FOoR"), 1);
+}
+
+TEST(Claims, OfFansThatAreThereAreNotOutOfReach) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  takeAndDie(tree);
+
+  Driver next(tree);
+
+  EXPECT_EQ(next.keys.read("FOoR"), std::nullopt);
+}
+
+TEST(Claims, AreOnRecordAgainWithTheNextTakeIfTheirFileIsGone) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  Driver driver(tree);
+  driver.keys.write("F0Md", 1);
+  fs::remove_all(tree.stateFolder());
+
+  EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
+
+  const auto record = nlohmann::json::parse(std::ifstream(tree.stateFolder() / "claims"));
+  EXPECT_EQ(record.at(0).at("enable"), 5);
+}
+
+TEST(Claims, AreComplainedOfOnceHoweverOftenTheyCannotBeWritten) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  std::ofstream(tree.stateFolder()) << "in the way";
+  Driver driver(tree);
+
+  testing::internal::CaptureStderr();
+  for (int pass = 0; pass < 5; ++pass)
+    EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
+  const std::string complaint = testing::internal::GetCapturedStderr();
+
+  EXPECT_EQ(std::ranges::count(complaint, '\n'), 1);
+}
+
+/// Puts a device that is always full in the place of standard error.
+class FullStandardError {
+public:
+  FullStandardError() : saved_(::dup(STDERR_FILENO)) {
+    const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ::dup2(full, STDERR_FILENO);
+    ::close(full);
+  }
+  FullStandardError(const FullStandardError&) = delete;
+  FullStandardError& operator=(const FullStandardError&) = delete;
+  ~FullStandardError() {
+    ::dup2(saved_, STDERR_FILENO);
+    ::close(saved_);
+  }
+
+private:
+  int saved_;
+};
+
+TEST(Claims, ThatCannotBeWrittenDoNotStopAClaimThoughThatCannotBeSaidEither) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  std::ofstream(tree.stateFolder()) << "in the way";
+  Driver driver(tree);
+
+  const FullStandardError full;
+  EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
+  EXPECT_EQ(tree.text("hwmon0/pwm1_enable"), "1");
+  EXPECT_EQ(driver.keys.write("F0Md", 0), applied);
 }
 
 TEST(Claims, OfAnotherRootAreLeftAlone) {

@@ -92,6 +92,23 @@ TEST_F(EngineOverHwmon, StartupRecoveryGivesBackWhatAKilledHelperHeld) {
   expectBothGivenBack();
 }
 
+TEST_F(EngineOverHwmon, RecoveryTellsOfAHeldDeviceThatIsAbsentAndGivesItBackWhenItComes) {
+  {
+    Helper killed(tree);
+    holdBoth(killed);
+  }
+  std::filesystem::rename(tree.root() / "hwmon2", tree.sys() / "unplugged");
+  Helper next(tree);
+  const auto recover = [&] { return next.clock.run(next.engine->restoreAllFansToAutomatic()); };
+
+  EXPECT_EQ(recover(), "1 fan(s) that were held before cannot be reached");
+  EXPECT_EQ(tree.text("hwmon1/fan1_enable"), "0");
+
+  std::filesystem::rename(tree.sys() / "unplugged", tree.root() / "hwmon2");
+  EXPECT_EQ(recover(), std::nullopt);
+  expectBothGivenBack();
+}
+
 TEST_F(EngineOverHwmon, HeldDeviceThatIsUnpluggedEndsInTheMissingTemperatureWatchdog) {
   Helper helper(tree);
   holdBoth(helper);

@@ -11,7 +11,9 @@
 
 namespace ventolith::platform {
 
-/// The user that the connection of this unique name belongs to. Fails for a connection that is gone.
-runtime::Async<BusResult<uid_t>> userOf(std::shared_ptr<BusConnection> connection, std::string uniqueName);
+/// The user that the connection of this unique name belongs to. Fails for a connection that is gone,
+/// and when `stop` is requested.
+runtime::Async<BusResult<uid_t>> userOf(std::shared_ptr<BusConnection> connection, std::string uniqueName,
+                                        runtime::StopToken stop);
 
 } // namespace ventolith::platform

@@ -1,6 +1,7 @@
 #include "platform/linux/service/ChildDaemonService.h"
 
 #include "platform/linux/service/ChildProcess.h"
+#include "platform/linux/service/ErrorLine.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/local/datagram_protocol.hpp>
@@ -12,7 +13,6 @@
 #include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -33,7 +33,7 @@ constexpr std::chrono::seconds timeToBeReady{10};
 constexpr std::chrono::seconds timeToEnd{10};
 
 void report(const std::string& what) {
-  fmt::print(stderr, "[ChildDaemonService] {}\n", what);
+  sayOnStandardError("[ChildDaemonService] " + what);
 }
 
 /// This process's environment, with another address for "I am ready" and without a watchdog.

@@ -80,7 +80,8 @@ struct DBusHelperListener::State : std::enable_shared_from_this<DBusHelperListen
   void take(const sdbus::MethodCall& call, HelperMessage message);
   static runtime::Async<void> answer(std::weak_ptr<State> listener, std::uint64_t number, HelperCaller caller,
                                      HelperMessage message, helper::HelperService& service);
-  void finish(std::uint64_t number, const HelperMessage& message, const HelperAnswer& answer);
+  enum class Kind { heartbeat, other };
+  void finish(std::uint64_t number, Kind kind, const HelperAnswer& answer);
   void refuseAll();
   void reply(const sdbus::MethodCall& call, const std::variant<helper::HelperReply, Refusal>& answer);
   void callerIsGone(const HelperCaller& caller);
@@ -110,17 +111,17 @@ void DBusHelperListener::State::take(const sdbus::MethodCall& call, HelperMessag
 runtime::Async<void> DBusHelperListener::State::answer(std::weak_ptr<State> listener, std::uint64_t number,
                                                        HelperCaller caller, HelperMessage message,
                                                        helper::HelperService& service) {
-  const HelperAnswer answer = co_await service.answer(std::move(caller), message);
-  if (const auto self = listener.lock()) self->finish(number, message, answer);
+  const Kind kind = std::holds_alternative<messages::Heartbeat>(message) ? Kind::heartbeat : Kind::other;
+  const HelperAnswer answer = co_await service.answer(std::move(caller), std::move(message));
+  if (const auto self = listener.lock()) self->finish(number, kind, answer);
 }
 
-void DBusHelperListener::State::finish(std::uint64_t number, const HelperMessage& message,
-                                       const HelperAnswer& answer) {
+void DBusHelperListener::State::finish(std::uint64_t number, Kind kind, const HelperAnswer& answer) {
   const auto call = unanswered.extract(number);
   if (call.empty()) return;
   if (answer) return reply(call.mapped(), *answer);
   // A caller who waits for the end of a heartbeat shall not wait for ever.
-  if (std::holds_alternative<messages::Heartbeat>(message)) reply(call.mapped(), replies::Done());
+  if (kind == Kind::heartbeat) reply(call.mapped(), replies::Done());
 }
 
 void DBusHelperListener::State::refuseAll() {

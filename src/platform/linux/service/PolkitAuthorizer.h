@@ -3,6 +3,7 @@
 
 #include "helper/link/HelperSurroundings.h"
 #include "platform/linux/service/BusConnection.h"
+#include "runtime/Clock.h"
 
 #include <memory>
 #include <string>
@@ -10,29 +11,27 @@
 namespace ventolith::platform {
 
 /// Asks polkit about each call, for the action "com.ventolith.helper.control-fans"; polkit remembers what it
-/// was told for as long as its policy says. Who asks waits, nobody else does.
+/// was told for as long as its policy says. Who asks waits, nobody else does. A person is asked only after
+/// polkit has said that it takes one, and for a caller that waits for it.
 ///
-/// Where polkit cannot answer, root alone is admitted, who could do all of it anyway. The first such failure
-/// in a row is reported on standard error.
+/// Root, who could do all of it anyway, is admitted without a question. Where polkit does not answer nobody
+/// else is; that is reported on standard error, however often it happens, once in `reportInterval` at most.
 class PolkitAuthorizer final : public helper::CallerAuthorizer {
 public:
-  /// `bus` is the one that the callers are on, and outlives this object.
-  explicit PolkitAuthorizer(Bus& bus) : bus_(bus) {}
+  /// How long polkit may take for an answer that no person has to give.
+  static constexpr runtime::Duration answerLimit = std::chrono::seconds(5);
+  static constexpr runtime::Duration reportInterval = std::chrono::minutes(1);
 
-  runtime::Async<bool> mayControlFans(helper::HelperCaller caller) override;
+  /// `bus` is the one that the callers are on. It outlives this object, and `clock` the calls too.
+  PolkitAuthorizer(Bus& bus, runtime::Clock& clock);
+
+  runtime::Async<bool> mayControlFans(helper::HelperCaller caller, runtime::StopToken stop) override;
 
 private:
-  struct Failures {
-    bool isReported = false; // Since the last answer.
-  };
-
-  static runtime::Async<bool> admitRoot(std::shared_ptr<BusConnection> connection,
-                                        helper::HelperCaller caller, std::string failure,
-                                        std::shared_ptr<Failures> failures);
+  class Asking;
 
   Bus& bus_;
-  std::shared_ptr<Failures> failures_ =
-      std::make_shared<Failures>(); // Outlives a call that outlives this object.
+  std::shared_ptr<Asking> asking_; // Outlives this object in a call that does.
 };
 
 } // namespace ventolith::platform

@@ -12,7 +12,7 @@ public:
   /// `bus` is the one that the callers are on, and outlives this object.
   explicit SameUserAuthorizer(Bus& bus) : bus_(bus) {}
 
-  runtime::Async<bool> mayControlFans(helper::HelperCaller caller) override;
+  runtime::Async<bool> mayControlFans(helper::HelperCaller caller, runtime::StopToken stop) override;
 
 private:
   Bus& bus_;

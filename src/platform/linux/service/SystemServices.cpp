@@ -4,6 +4,7 @@
 #include "platform/linux/service/ChildDaemonService.h"
 #include "platform/linux/service/DBusHelperChannel.h"
 #include "platform/linux/service/DBusHelperListener.h"
+#include "platform/linux/service/HelperPresence.h"
 #include "platform/linux/service/LogindSleepEvents.h"
 #include "platform/linux/service/PolkitAuthorizer.h"
 #include "platform/linux/service/SameUserAuthorizer.h"
@@ -12,6 +13,7 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <utility>
 
 namespace ventolith::platform {
@@ -47,8 +49,12 @@ std::unique_ptr<helper::HelperListener> SystemServices::claimListener() {
   return std::make_unique<DBusHelperListener>(parts_->executor, std::move(connection.value()));
 }
 
+bool SystemServices::isHelperPresent() const {
+  return platform::isHelperPresent(parts_->options.busAddress, std::chrono::seconds(2));
+}
+
 std::unique_ptr<helper::CallerAuthorizer> SystemServices::policyAuthorizer() {
-  return std::make_unique<PolkitAuthorizer>(parts_->bus);
+  return std::make_unique<PolkitAuthorizer>(parts_->bus, parts_->clock);
 }
 
 std::unique_ptr<helper::CallerAuthorizer> SystemServices::sameUserAuthorizer() {

@@ -49,6 +49,10 @@ public:
   /// listener is resumed. Fails with AnotherHelperError and ServiceError.
   [[nodiscard]] std::unique_ptr<helper::HelperListener> claimListener();
 
+  /// Whether another process is the machine's helper, as far as the bus tells at once. Blocks for two seconds
+  /// at most; no bus knows no helper.
+  [[nodiscard]] bool isHelperPresent() const;
+
   /// Asks the system's policy.
   [[nodiscard]] std::unique_ptr<helper::CallerAuthorizer> policyAuthorizer();
   /// Admits whoever runs as the user of this process: for a helper that is no system service.

@@ -1,6 +1,7 @@
 #include "platform/linux/service/SystemdDaemonService.h"
 
 #include "platform/linux/service/BusAbsence.h"
+#include "platform/linux/service/ErrorLine.h"
 
 #include <fmt/format.h>
 
@@ -8,7 +9,6 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <map>
 #include <utility>
 #include <vector>
@@ -285,9 +285,8 @@ runtime::Async<helper::DaemonService::ErrorText> SystemdDaemonService::stopAndDi
 }
 
 void SystemdDaemonService::openSystemSettings() {
-  fmt::print(stderr,
-             "[SystemdDaemonService] an administrator enables the helper by: systemctl enable --now {}\n",
-             "ventolith-helper");
+  sayOnStandardError("[SystemdDaemonService] an administrator enables the helper by: systemctl enable --now "
+                     "ventolith-helper");
 }
 
 } // namespace ventolith::platform
