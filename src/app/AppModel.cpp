@@ -31,6 +31,11 @@ AppModel::AppModel(Key, AppModelDependencies its)
 
 AppModel::~AppModel() {
   stop_.requestStop();
+  firstManager_->complete(nullptr);
+}
+
+core::FanCurve AppModel::defaultCurve() {
+  return app::defaultCurve();
 }
 
 FanControlModePlan AppModel::planMode(FanID fan) const {

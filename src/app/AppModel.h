@@ -44,9 +44,8 @@ enum class AppModelField {
 /// Reads the sensors in this process, holds what the user wants as one plan, keeps it on disk, and sends it
 /// through a controller: one that touches nothing while the helper is not enabled, one that speaks to the
 /// helper from then on. It never writes a fan. What the user wants (`activePlan`) and what the controller
-/// says
-/// (`controlState`) are two things: the second never changes the first, but a plan that was refused takes its
-/// fans out of it.
+/// says (`controlState`) are two things: the second never changes the first, but a plan that was refused
+/// takes its fans out of it.
 ///
 /// Lives on the main executor. Actions change the fields and the files at once and report nothing; what they
 /// send is sent by work that begins after them, in their order. Whoever calls an action keeps the model
@@ -67,6 +66,9 @@ public:
   [[nodiscard]] static std::shared_ptr<AppModel> make(AppModelDependencies its);
   AppModel(Key, AppModelDependencies its);
   ~AppModel();
+
+  /// What the curve editor begins with for a fan without a curve; its points have new identifiers each time.
+  [[nodiscard]] static core::FanCurve defaultCurve();
 
   // Published fields.
   [[nodiscard]] const core::SensorSnapshot& snapshot() const { return snapshot_; }
@@ -108,7 +110,8 @@ public:
 
   void setDashboardVisible(bool isVisible);
 
-  /// Registers the helper, and leads the user to where it is allowed if that is what is missing.
+  /// Registers the helper, and leads the user to where it is allowed if that is what is missing. Nothing
+  /// while that is under way.
   void beginHelperOnboarding();
   /// Nothing when no page is configured.
   void openSupport();
@@ -168,12 +171,14 @@ private:
   runtime::Duration takeReading(core::SensorSnapshot reading);
   static runtime::Async<void> heartbeatLoop(Weak model, runtime::Clock& clock, runtime::StopToken stop);
   runtime::Async<void> heartbeatIfDue() const;
-  static runtime::Async<void> helperStatusLoop(Weak model, runtime::Executor mainExecutor,
-                                               std::unique_ptr<helper::DaemonService> service,
-                                               runtime::Clock& clock, runtime::StopToken stop);
+  static runtime::Async<void> helperStatusPollLoop(Weak model, runtime::Executor mainExecutor,
+                                                   std::unique_ptr<helper::DaemonService> service,
+                                                   runtime::Clock& clock, runtime::StopToken stop);
   void adopt(Manager manager);
   void syncHelperStatus();
   void replaceController(const FanControllerFactory& makeController);
+  void consumeControlState(core::ControlState state);
+  [[nodiscard]] bool activePlanHasManualControl() const;
   static runtime::Async<void> onboard(Weak model, std::shared_ptr<FirstManager> firstManager);
 
   // AppModelControls.cpp
@@ -214,7 +219,8 @@ private:
   runtime::StopSource stop_; // Of all loops and waits.
   UpdateController updates_;
   std::unique_ptr<HostedController> controller_;
-  std::shared_ptr<FirstManager> firstManager_;
+  std::shared_ptr<FirstManager> firstManager_; // Null for those who still wait when the model goes.
+  bool isOnboarding_ = false;
   std::shared_ptr<PowerSourceMonitor> powerMonitor_; // The engine's, and let go of there.
   Generation updateCheckGeneration_ = 0;             // Ties late arrivals to their check.
 

@@ -7,10 +7,17 @@
 
 namespace ventolith::app {
 
+namespace {
+
+constexpr std::size_t previewLogLimit = 100; // Calls. The application stays for weeks, a heartbeat every 5 s.
+
+} // namespace
+
 FanControllerFactory previewControllers(runtime::Executor engineExecutor, runtime::Clock& clock,
                                         std::function<void(const std::string&)> print) {
   return [engineExecutor = std::move(engineExecutor), &clock, print = std::move(print)] {
-    return std::make_shared<core::PreviewController>(engineExecutor, clock, print);
+    return std::make_shared<core::PreviewController>(
+        engineExecutor, clock, print, core::PreviewController::defaultAcquireDelay, previewLogLimit);
   };
 }
 

@@ -21,10 +21,13 @@ namespace ventolith::app {
 
 /// What is referred to, and what runs the executors, outlives the model and all work that it has begun, which
 /// may wait for a reading or for an answer of the helper when the model goes.
+///
+/// A clock belongs to one thread. `clock` is the main executor's; `sensors` and the controllers that the
+/// factories make have the engine's. Where one thread runs both executors, they may be one clock.
 struct AppModelDependencies {
   runtime::Executor mainExecutor;   // Serial: of one thread, or a strand.
   runtime::Executor engineExecutor; // Of the one engine thread.
-  runtime::Clock& clock;
+  runtime::Clock& clock;            // Of the main executor's thread.
 
   hardware::SMCConnection& smc; // Not open yet, and this application's own: nobody writes through it.
   hardware::SensorReading& sensors;
@@ -42,6 +45,8 @@ struct AppModelDependencies {
   std::optional<std::string> supportURL; // The vendor's page, where one is configured.
   std::function<void(const std::string& url)> openURL;
 };
+
+// Of both, `clock` is that of the engine's thread.
 
 /// Controllers that touch nothing; `print` receives each diagnostic line, without a line feed.
 [[nodiscard]] FanControllerFactory previewControllers(runtime::Executor engineExecutor, runtime::Clock& clock,

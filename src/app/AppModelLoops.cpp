@@ -18,8 +18,8 @@ void AppModel::begin() {
               pollLoop(weak_from_this(), its_.clock, its_.smc, its_.sensors, stop_.token()));
   startOnMain("the heartbeat", heartbeatLoop(weak_from_this(), its_.clock, stop_.token()));
   startOnMain("the watching of the helper's status",
-              helperStatusLoop(weak_from_this(), its_.mainExecutor, std::move(its_.daemonService), its_.clock,
-                               stop_.token()));
+              helperStatusPollLoop(weak_from_this(), its_.mainExecutor, std::move(its_.daemonService),
+                                   its_.clock, stop_.token()));
   beginPowerMonitor(std::move(its_.powerSource));
 }
 
@@ -70,7 +70,7 @@ Async<void> AppModel::heartbeatLoop(Weak model, runtime::Clock& clock, runtime::
 }
 
 Async<void> AppModel::heartbeatIfDue() const {
-  if (hasManualControl(activePlan_)) return controller_->heartbeat();
+  if (activePlanHasManualControl()) return controller_->heartbeat();
   const auto nothing = []() -> Async<void> { co_return; };
   return nothing();
 }
@@ -79,9 +79,9 @@ Async<void> AppModel::heartbeatIfDue() const {
 /// therefore comes as soon as that answer is in. It waits for nothing else, above all for no reading, so a
 /// helper that is enabled already gets the stored plan in its first moments; and no reading waits for it,
 /// should the system not answer.
-Async<void> AppModel::helperStatusLoop(Weak model, runtime::Executor mainExecutor,
-                                       std::unique_ptr<helper::DaemonService> service, runtime::Clock& clock,
-                                       runtime::StopToken stop) {
+Async<void> AppModel::helperStatusPollLoop(Weak model, runtime::Executor mainExecutor,
+                                           std::unique_ptr<helper::DaemonService> service,
+                                           runtime::Clock& clock, runtime::StopToken stop) {
   if (stop.stopRequested()) co_return;
   const Manager manager = co_await HelperManager::make(std::move(mainExecutor), std::move(service));
   if (const auto self = model.lock()) self->adopt(manager);
@@ -104,28 +104,40 @@ void AppModel::syncHelperStatus() {
   if (isEnabled == isHelperActive_) return;
   assign(AppModelField::isHelperActive, isHelperActive_, isEnabled);
   replaceController(isEnabled ? its_.makeHelperController : its_.makePreviewController);
-  if (isEnabled && hasManualControl(activePlan_)) startSending(activePlan_, Failure::isIgnored);
+  if (isEnabled && activePlanHasManualControl()) startSending(activePlan_, Failure::isIgnored);
 }
 
 /// The old one is dropped without any closing step.
 void AppModel::replaceController(const FanControllerFactory& makeController) {
   const auto mirror = [model = weak_from_this()](core::ControlState state) {
-    if (const auto self = model.lock())
-      self->assign(AppModelField::controlState, self->controlState_, std::move(state));
+    if (const auto self = model.lock()) self->consumeControlState(std::move(state));
   };
   controller_ =
       std::make_unique<HostedController>(its_.mainExecutor, its_.engineExecutor, makeController, mirror);
 }
 
+void AppModel::consumeControlState(core::ControlState state) {
+  assign(AppModelField::controlState, controlState_, std::move(state));
+}
+
+bool AppModel::activePlanHasManualControl() const {
+  return hasManualControl(activePlan_);
+}
+
 void AppModel::beginHelperOnboarding() {
+  if (isOnboarding_) return; // A second registration would ask the user a second time.
+  isOnboarding_ = true;
   startOnMain("the registration of the helper", onboard(weak_from_this(), firstManager_));
 }
 
 Async<void> AppModel::onboard(Weak model, std::shared_ptr<FirstManager> firstManager) {
   const Manager manager = co_await FirstManager::valueOf(std::move(firstManager));
+  if (!manager) co_return;
   co_await manager->registerDaemon();
-  if (const auto self = model.lock()) self->syncHelperStatus();
+  const auto self = model.lock();
+  if (self) self->syncHelperStatus();
   if (manager->status() == DaemonStatus::requiresApproval) manager->openSystemSettings();
+  if (self) self->isOnboarding_ = false;
 }
 
 void AppModel::restoreAutoOnQuit() {

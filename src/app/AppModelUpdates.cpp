@@ -12,6 +12,7 @@ void AppModel::checkForUpdates() {
   if (!updates_.isAvailable()) return showThatUpdatesAreUnavailable();
   const Generation generation = ++updateCheckGeneration_;
   showOutcome(UpdateCheckOutcome::checking);
+  if (updateCheckGeneration_ != generation) return; // An observer began the next one.
   updates_.setOnOutcome([model = weak_from_this(), generation](const UpdateCheckOutcome& outcome) {
     if (const auto self = model.lock()) self->takeOutcome(outcome, generation);
   });
@@ -61,11 +62,14 @@ Async<void> AppModel::clearOutcome(Weak model, runtime::Clock& clock, UpdateChec
     self->showUpdate(std::nullopt, self->idleUpdateMessage());
 }
 
+/// Shows nothing if an observer begins a check meanwhile: that one is newer.
 void AppModel::showUpdate(std::optional<UpdateCheckOutcome> outcome, std::string message) {
   Fields changing;
   if (message != updateMessage_) changing |= {AppModelField::updateMessage};
   if (outcome != updateOutcome_) changing |= {AppModelField::updateOutcome};
+  const Generation generation = updateCheckGeneration_;
   willChange(changing);
+  if (updateCheckGeneration_ != generation) return;
   updateMessage_ = std::move(message);
   updateOutcome_ = std::move(outcome);
 }

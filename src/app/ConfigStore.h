@@ -1,14 +1,11 @@
 // What the application remembers from one start to the next, in four small JSON files of the user.
 #pragma once
 
+#include "app/UserFiles.h"
 #include "core/FanControlPlan.h"
-#include "runtime/Files.h"
 
-#include <filesystem>
-#include <functional>
 #include <optional>
-#include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace ventolith::app {
@@ -18,15 +15,14 @@ namespace ventolith::app {
 /// anew. All are synchronous and called by the application model, on its executor.
 ///
 /// No operation reports a failure or throws. A load that fails for any reason gives nothing and leaves the
-/// file as it is; a save that fails leaves what stood there before. A file is replaced in one step: after a
-/// crash it is whole, old or new. The four are independent of each other.
+/// file as it is; a save that fails leaves what stood there before. So does the save of a value that could
+/// not be loaded again: of more than 4 MiB, or of more than 262,144 members and elements. A file is replaced
+/// in one step: after a crash it is whole, old or new. The four are independent of each other.
 class ConfigStore {
 public:
-  /// Gives the folder in which applications keep what belongs to the user; asked at every operation.
-  using FolderLookup = std::function<std::filesystem::path()>;
-
   /// `files` outlives the store.
-  ConfigStore(runtime::FileLayer& files, FolderLookup userFolder);
+  ConfigStore(runtime::FileLayer& files, UserFiles::FolderLookup userFolder)
+      : files_(files, std::move(userFolder)) {}
 
   [[nodiscard]] std::optional<core::FanControlPlan> loadPlan() const;
   void savePlan(const core::FanControlPlan& plan) const;
@@ -44,16 +40,7 @@ public:
   void saveAutoSwitch(const core::AutoSwitchSettings& settings) const;
 
 private:
-  [[nodiscard]] std::filesystem::path directory() const;
-  void ensureDirectory() const;
-
-  template <class Value>
-  [[nodiscard]] std::optional<Value> load(const char* name, Value (*read)(const core::JSONReader&)) const;
-  template <class Value>
-  void save(const char* name, const Value& value, core::JSON (*write)(const Value&)) const;
-
-  runtime::FileLayer* files_;
-  FolderLookup userFolder_;
+  UserFiles files_;
 };
 
 } // namespace ventolith::app

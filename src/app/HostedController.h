@@ -16,7 +16,8 @@ using FanControllerFactory = std::function<std::shared_ptr<core::FanControlling>
 /// commands across. Lives on the main executor.
 ///
 /// When it goes away its controller goes too, with all that this holds; a command that is under way finishes
-/// first. No state is handed over from then on.
+/// first. No state is handed over from then on: those that a controller gives in that time are dropped, so
+/// that they do not pile up behind a command that takes for ever.
 class HostedController {
 public:
   using OnState = std::function<void(core::ControlState)>;
@@ -26,7 +27,6 @@ public:
                    FanControllerFactory makeController, OnState onState);
   HostedController(const HostedController&) = delete;
   HostedController& operator=(const HostedController&) = delete;
-  ~HostedController();
 
   // Work that begins on the engine's executor when it is awaited, and needs this object no more once it is
   // returned.
@@ -36,20 +36,21 @@ public:
 
 private:
   struct Home;
-  using SharedHome = std::shared_ptr<Home>;
+  class User;
+  using SharedUser = std::shared_ptr<User>;
 
   template <class Result>
   [[nodiscard]] runtime::Async<Result> onEngine(runtime::Async<Result> work) const {
     return boost::asio::co_spawn(engineExecutor_, std::move(work), boost::asio::use_awaitable);
   }
-  static runtime::Async<core::ControlResult> applyPlanAt(SharedHome home, core::FanControlPlan plan);
-  static runtime::Async<void> restoreAutoAt(SharedHome home);
-  static runtime::Async<void> heartbeatAt(SharedHome home);
-  static runtime::Async<void> handOverStates(SharedHome home, runtime::Executor mainExecutor,
+  static runtime::Async<core::ControlResult> applyPlanAs(SharedUser user, core::FanControlPlan plan);
+  static runtime::Async<void> restoreAutoAs(SharedUser user);
+  static runtime::Async<void> heartbeatAs(SharedUser user);
+  static runtime::Async<void> handOverStates(std::shared_ptr<Home> home, runtime::Executor mainExecutor,
                                              std::weak_ptr<OnState> onState);
 
   runtime::Executor engineExecutor_;
-  SharedHome home_;                  // The engine's.
+  SharedUser user_;                  // This one, and each command under way.
   std::shared_ptr<OnState> onState_; // The main executor's.
 };
 

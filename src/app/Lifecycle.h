@@ -5,6 +5,7 @@
 #include "app/UserSettings.h"
 
 #include <memory>
+#include <utility>
 
 namespace ventolith::app {
 

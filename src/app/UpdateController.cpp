@@ -2,6 +2,8 @@
 
 #include <boost/asio/post.hpp>
 
+#include <atomic>
+#include <cstdint>
 #include <utility>
 
 namespace ventolith::app {
@@ -32,7 +34,8 @@ UpdateCheckOutcome outcomeForAbort(const PlatformError& error) {
   return UpdateCheckOutcome::failed(error.description);
 }
 
-/// The engine calls it from anywhere, so that it touches nothing but what never changes, and posts.
+/// The engine calls it from anywhere: there it touches what never changes and the number of the check, and
+/// posts.
 class UpdateController::Delegate final : public UpdateEngineDelegate,
                                          public std::enable_shared_from_this<Delegate> {
 public:
@@ -49,28 +52,40 @@ public:
     if (error) report(outcomeForAbort(*error));
   }
 
-  OnOutcome onOutcome; // The main executor's.
+  /// On the main executor. A handler is that of a check of its own.
+  void setOnOutcome(OnOutcome onOutcome) {
+    if (onOutcome) ++check_;
+    onOutcome_ = std::move(onOutcome);
+  }
 
 private:
+  /// The check that an outcome belongs to is the one that is current when it is told, however late the main
+  /// executor comes to it.
   void report(UpdateCheckOutcome outcome) {
-    boost::asio::post(mainExecutor_, [weak = weak_from_this(), outcome = std::move(outcome)] {
-      const auto self = weak.lock();
-      if (!self || !self->onOutcome) return;
-      const OnOutcome told = self->onOutcome; // It may replace itself.
-      told(outcome);
-    });
+    boost::asio::post(mainExecutor_,
+                      [weak = weak_from_this(), check = check_.load(), outcome = std::move(outcome)] {
+                        if (const auto self = weak.lock()) self->pass(outcome, check);
+                      });
+  }
+  void pass(const UpdateCheckOutcome& outcome, std::uint64_t check) const {
+    if (check != check_ || !onOutcome_) return;
+    const OnOutcome told = onOutcome_; // It may replace itself.
+    told(outcome);
   }
 
   const runtime::Executor mainExecutor_;
   const std::set<std::string> allowed_;
+  std::atomic<std::uint64_t> check_ = 0; // Raised on the main executor, read anywhere.
+  OnOutcome onOutcome_;                  // The main executor's.
 };
 
 UpdateController::UpdateController(const runtime::Executor& mainExecutor, const BundleInfo& bundle,
                                    const UpdateEngineFactory& makeEngine) {
   const auto configuration = UpdateFeedConfiguration::ofBundle(bundle);
   if (!configuration) return;
-  delegate_ = std::make_shared<Delegate>(mainExecutor, sparkleAllowedChannels(configuration->channel()));
-  engine_ = makeEngine(*configuration, delegate_);
+  auto delegate = std::make_shared<Delegate>(mainExecutor, sparkleAllowedChannels(configuration->channel()));
+  engine_ = makeEngine(*configuration, delegate);
+  if (engine_) delegate_ = std::move(delegate);
 }
 
 UpdateController::~UpdateController() = default;
@@ -84,7 +99,7 @@ void UpdateController::checkForUpdates() {
 }
 
 void UpdateController::setOnOutcome(OnOutcome onOutcome) {
-  if (delegate_) delegate_->onOutcome = std::move(onOutcome);
+  if (delegate_) delegate_->setOnOutcome(std::move(onOutcome));
 }
 
 } // namespace ventolith::app

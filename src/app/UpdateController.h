@@ -24,7 +24,7 @@ public:
 
   static constexpr std::string_view notConfigured = "Updates are not configured in this build.";
 
-  /// Without valid settings in `bundle` there is no engine.
+  /// There is no engine without valid settings in `bundle`, nor where `makeEngine` gives none.
   UpdateController(const runtime::Executor& mainExecutor, const BundleInfo& bundle,
                    const UpdateEngineFactory& makeEngine);
   UpdateController(const UpdateController&) = delete;
@@ -38,7 +38,8 @@ public:
   /// Nothing without an engine.
   void checkForUpdates();
 
-  /// Is told how checks go, on the main executor. While it is empty, what the engine tells is dropped.
+  /// Is told how checks go, on the main executor: what the engine tells from now on, not what it told before
+  /// and is still on its way. While it is empty, what the engine tells is dropped.
   void setOnOutcome(OnOutcome onOutcome);
 
 private:

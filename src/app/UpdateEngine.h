@@ -64,11 +64,13 @@ public:
   UpdateEngine& operator=(const UpdateEngine&) = delete;
   virtual ~UpdateEngine() = default;
 
-  /// Begins a check on the user's word and returns at once; how it goes is for the delegate.
+  /// Begins a check on the user's word and returns at once; how it goes is for the delegate. Asked for while
+  /// a check runs, it is that one, or replaces it: of a check that was replaced nothing more is told.
+  /// Whatever the delegate is told after this call counts as the outcome of this check.
   virtual void checkForUpdates() = 0;
 };
 
-/// Makes an engine that is started.
+/// Makes an engine that is started. Null: this build cannot be updated although its settings are valid.
 using UpdateEngineFactory = std::function<std::unique_ptr<UpdateEngine>(
     const UpdateFeedConfiguration& configuration, std::shared_ptr<UpdateEngineDelegate> delegate)>;
 

@@ -1,24 +1,20 @@
 // Settings of the user that belong to the application as a program, and not to the fans.
 #pragma once
 
-#include "core/JSON.h"
-#include "runtime/Files.h"
+#include "app/UserFiles.h"
 
-#include <filesystem>
-#include <functional>
+#include <utility>
 
 namespace ventolith::app {
 
 /// Kept in a small JSON file beside those of `ConfigStore`, and read anew each time. No operation reports a
 /// failure or throws: a file that is missing or damaged counts as empty, and a save that fails leaves the
-/// file as it was.
+/// file as it was. So does the save of settings that could not be read back.
 class UserSettings {
 public:
-  /// Gives the folder in which applications keep what belongs to the user.
-  using FolderLookup = std::function<std::filesystem::path()>;
-
   /// `files` outlives the settings.
-  UserSettings(runtime::FileLayer& files, FolderLookup userFolder);
+  UserSettings(runtime::FileLayer& files, UserFiles::FolderLookup userFolder)
+      : files_(files, std::move(userFolder)) {}
 
   /// Whether the window has opened by itself on a first start. False when unset.
   [[nodiscard]] bool hasOpenedOnFirstLaunch() const;
@@ -26,11 +22,9 @@ public:
   void setHasOpenedOnFirstLaunch(bool hasOpened) const;
 
 private:
-  [[nodiscard]] std::filesystem::path file() const;
   [[nodiscard]] core::JSON load() const;
 
-  runtime::FileLayer* files_;
-  FolderLookup userFolder_;
+  UserFiles files_;
 };
 
 } // namespace ventolith::app

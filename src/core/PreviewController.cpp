@@ -22,11 +22,12 @@ ControlMode previewMode(const FanControlModePlan& mode) {
 
 PreviewController::PreviewController(const runtime::Executor& executor, runtime::Clock& clock,
                                      std::function<void(const std::string&)> print,
-                                     runtime::Duration simulatedAcquireDelay)
+                                     runtime::Duration simulatedAcquireDelay, std::size_t logLimit)
     : serial_(executor),
       clock_(clock),
       print_(std::move(print)),
-      simulatedAcquireDelay_(simulatedAcquireDelay) {}
+      simulatedAcquireDelay_(simulatedAcquireDelay),
+      logLimit_(logLimit) {}
 
 Async<ControlResult> PreviewController::setManual(FanID fan, std::int64_t rpm) {
   const auto hold = [fan, rpm](ControlState& held) {
@@ -111,6 +112,7 @@ Async<void> PreviewController::giveBack(std::string entry) {
 
 void PreviewController::record(std::string text) {
   print_("[PreviewController] " + text);
+  if (log_.size() >= logLimit_) log_.erase(log_.begin());
   log_.push_back(std::move(text));
 }
 

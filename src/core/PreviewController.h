@@ -5,7 +5,9 @@
 #include "core/ControlContract.h"
 #include "runtime/Clock.h"
 
+#include <cstddef>
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -15,10 +17,14 @@ class PreviewController final : public FanControlling {
 public:
   static constexpr runtime::Duration defaultAcquireDelay = std::chrono::milliseconds(400);
 
-  /// `print` receives each diagnostic line, without a line feed.
+  static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
+
+  /// `print` receives each diagnostic line, without a line feed. A process that stays limits the log, which
+  /// then loses its oldest entries.
   PreviewController(const runtime::Executor& executor, runtime::Clock& clock,
                     std::function<void(const std::string&)> print,
-                    runtime::Duration simulatedAcquireDelay = defaultAcquireDelay);
+                    runtime::Duration simulatedAcquireDelay = defaultAcquireDelay,
+                    std::size_t logLimit = unlimited);
 
   runtime::Async<ControlResult> setManual(FanID fan, std::int64_t rpm) override;
   runtime::Async<ControlResult> setPercent(FanID fan, double percent) override;
@@ -51,6 +57,7 @@ private:
   runtime::Clock& clock_;
   std::function<void(const std::string&)> print_;
   runtime::Duration simulatedAcquireDelay_;
+  std::size_t logLimit_;
   ControlMode mode_ = ControlMode::automatic;
   std::vector<std::string> log_;
   ControlStateStream stateStream_;

@@ -30,7 +30,12 @@ public:
     bits_ |= other.bits_;
     return *this;
   }
+  constexpr FieldSet& operator&=(FieldSet other) {
+    bits_ &= other.bits_;
+    return *this;
+  }
   [[nodiscard]] friend constexpr FieldSet operator|(FieldSet one, FieldSet other) { return one |= other; }
+  [[nodiscard]] friend constexpr FieldSet operator&(FieldSet one, FieldSet other) { return one &= other; }
   constexpr bool operator==(const FieldSet&) const = default;
 
 private:

@@ -168,6 +168,20 @@ TEST(ConfigStore, ValueWithoutAFormMakesTheFolderAllTheSame) {
   EXPECT_TRUE(files.disk.folders().contains("/home/user/config/Ventolith"));
 }
 
+TEST(ConfigStore, ValueThatCouldNotBeReadBackLeavesTheOldFile) {
+  const std::string longName(4'200'000, 'x');
+  FanControlPlan ofManyFans;
+  ofManyFans.fans.assign(66'000, {0, core::FanControlModePlan::automatic()});
+  ConfigFiles files;
+  files.store.savePlan(samples::plan());
+  files.store.savePresets(samples::presets());
+  files.store.savePlan({.rules = {{.name = longName}}});
+  files.store.savePlan(ofManyFans);
+  files.store.savePresets({{.name = longName}});
+  EXPECT_EQ(files.store.loadPlan(), samples::plan());
+  EXPECT_EQ(files.store.loadPresets(), samples::presets());
+}
+
 TEST(ConfigStore, FolderIsLookedForAtEveryUse) {
   support::VirtualDisk disk;
   fs::path folder = "/first";

@@ -43,6 +43,14 @@ TEST_F(LifecycleTest, DamagedSettingsCountAsNone) {
   }
 }
 
+TEST_F(LifecycleTest, SettingsThatCouldNotBeReadBackLeaveTheOldFile) {
+  const std::string text =
+      R"({"other": ")" + std::string(3'000'000, '/') + R"("})"; // Twice as long when escaped.
+  disk.put(file, text);
+  settings().setHasOpenedOnFirstLaunch(true);
+  EXPECT_EQ(storedText(), text);
+}
+
 TEST_F(LifecycleTest, TerminatingGivesTheFansBackOnce) {
   startWithHelper();
   Lifecycle lifecycle(settings());

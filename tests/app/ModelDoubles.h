@@ -58,6 +58,7 @@ struct ControllerLog {
   std::vector<Sent> plans;
   std::vector<std::string> heartbeats; // By which controller.
   std::vector<std::string> restores;   // The same.
+  std::vector<std::string> calls;      // Plans and restores in their order: "helper 2 applyPlan".
   std::vector<runtime::Instant> heartbeatTimes;
   std::deque<ControlResult> results; // Of the next plans; applied when there are no more.
   Gate commands;                     // Holds plans back.
@@ -76,6 +77,7 @@ public:
   LoggingController(std::string name, ControllerLog& log) : name_(std::move(name)), log_(log) {}
 
   Async<ControlResult> applyPlan(FanControlPlan plan) override {
+    log_.calls.push_back(name_ + " applyPlan");
     log_.plans.push_back({name_, std::move(plan)});
     ControlResult result = ControlResult::applied;
     if (!log_.results.empty()) {
@@ -86,6 +88,7 @@ public:
     co_return result;
   }
   Async<void> restoreAuto() override {
+    log_.calls.push_back(name_ + " restoreAuto");
     log_.restores.push_back(name_);
     co_return;
   }

@@ -1,4 +1,4 @@
-// AppModel's start, its loops, and the replacement of the controller.
+// AppModel's start, its loops and its end.
 #include "ModelFixture.h"
 
 namespace ventolith::app {
@@ -39,6 +39,20 @@ TEST_F(AppModelTest, StartsWithWhatIsStored) {
   EXPECT_EQ(model->presets(), std::vector{stored});
   EXPECT_EQ(model->activePresetID(), stored.id);
   EXPECT_EQ(model->autoSwitch(), settings);
+}
+
+TEST_F(AppModelTest, ADamagedPlanIsAllAutomaticUntilTheNextOneOverwritesIt) {
+  const std::filesystem::path file = "/home/user/.config/Ventolith/plan.json";
+  const std::string damaged = "{\"fans\" : [";
+  disk.put(file, damaged);
+  startWithHelper();
+  EXPECT_EQ(model->activePlan(), FanControlPlan::allAutomatic);
+  EXPECT_EQ(sentCount(), 0U);
+  EXPECT_EQ(disk.files().at(file), damaged);
+
+  model->applyPlan(fixed({{0, 3000}}));
+  restart();
+  EXPECT_EQ(model->activePlan(), fixed({{0, 3000}}));
 }
 
 TEST_F(AppModelTest, ReadsEveryFiveSecondsWhileNothingIsHeldOrShown) {
@@ -101,6 +115,13 @@ TEST_F(AppModelTest, RulesAloneSendHeartbeatsAndDoNotShortenThePause) {
   EXPECT_EQ(readings.gaps(), (Seconds{5, 5}));
 }
 
+TEST_F(AppModelTest, EntriesThatAreAllAutomaticSendHeartbeats) {
+  store.savePlan(plan({{0, FanControlModePlan::automatic()}}));
+  start();
+  pass(10);
+  EXPECT_EQ(controllers.heartbeats.size(), 2U);
+}
+
 TEST_F(AppModelTest, AllAutomaticSendsNoHeartbeat) {
   startWithHelper();
   pass(3600);
@@ -128,119 +149,6 @@ TEST_F(AppModelTest, MirrorsTheControllersStatesAndNeverChangesThePlanByThem) {
   EXPECT_EQ(model->activePlan(), FanControlPlan::allAutomatic);
 }
 
-TEST_F(AppModelTest, AHelperThatIsEnabledAlreadyGetsTheStoredPlanBeforeTheFirstReading) {
-  store.savePlan(fixed({{0, 3000}}));
-  readings.readings.isClosed = true;
-  startWithHelper();
-  EXPECT_TRUE(model->isHelperActive());
-  EXPECT_EQ(controllers.plans, (std::vector<ControllerLog::Sent>{{"helper 2", fixed({{0, 3000}})}}));
-  pass(60);
-  EXPECT_EQ(sentCount(), 1U);
-}
-
-TEST_F(AppModelTest, NoReadingWaitsForTheHelpersStatus) {
-  registration->answers.isClosed = true;
-  start();
-  pass(10);
-  EXPECT_EQ(readings.times.size(), 3U);
-  EXPECT_EQ(model->helperManager(), nullptr);
-}
-
-TEST_F(AppModelTest, AHelperEnabledMeanwhileIsTakenUpWithinThreeSeconds) {
-  store.savePlan(fixed({{0, 3000}}));
-  start();
-  pass(4);
-  registration->status = DaemonStatus::enabled;
-  pass(1.9);
-  EXPECT_FALSE(model->isHelperActive());
-  pass(0.1);
-  EXPECT_TRUE(model->isHelperActive());
-  EXPECT_TRUE(model->canControlFans());
-  EXPECT_EQ(controllers.plans, (std::vector<ControllerLog::Sent>{{"helper 2", fixed({{0, 3000}})}}));
-}
-
-TEST_F(AppModelTest, AnEmptyPlanIsNotSentToAHelperThatIsEnabled) {
-  startWithHelper();
-  EXPECT_TRUE(model->isHelperActive());
-  EXPECT_EQ(sentCount(), 0U);
-}
-
-TEST_F(AppModelTest, APlanOfRulesIsSentToAHelperThatIsEnabled) {
-  store.savePlan(plan({}, {rule()}));
-  startWithHelper();
-  EXPECT_EQ(sentCount(), 1U);
-}
-
-TEST_F(AppModelTest, ADisabledHelperLeavesThePlanAndGetsItAgainOnItsReturn) {
-  store.savePlan(fixed({{0, 3000}}));
-  startWithHelper();
-  setHelper(DaemonStatus::notRegistered);
-  EXPECT_FALSE(model->canControlFans());
-  EXPECT_EQ(model->activePlan(), fixed({{0, 3000}}));
-
-  model->setFanAutomatic(fan(1)); // Goes to the preview.
-  settle();
-  setHelper(DaemonStatus::enabled);
-  EXPECT_EQ(controllers.plans, (std::vector<ControllerLog::Sent>{{"helper 2", fixed({{0, 3000}})},
-                                                                 {"preview 3", fixed({{0, 3000}})},
-                                                                 {"helper 4", fixed({{0, 3000}})}}));
-}
-
-TEST_F(AppModelTest, AnyOtherStatusThanEnabledIsInactive) {
-  for (const auto status :
-       {DaemonStatus::notRegistered, DaemonStatus::requiresApproval, DaemonStatus::notFound}) {
-    startWithHelper();
-    setHelper(status);
-    EXPECT_FALSE(model->isHelperActive()) << static_cast<int>(status);
-    release();
-  }
-}
-
-TEST_F(AppModelTest, APlanRefusedOnReactivationStays) {
-  store.savePlan(fixed({{0, 3000}}));
-  controllers.results = {ControlResult::noHelper};
-  startWithHelper();
-  EXPECT_EQ(model->activePlan(), fixed({{0, 3000}}));
-  EXPECT_EQ(sentCount(), 1U);
-}
-
-TEST_F(AppModelTest, NothingOfAnOldControllerStays) {
-  start();
-  for (int round = 0; round < 10; ++round) {
-    setHelper(DaemonStatus::enabled);
-    setHelper(DaemonStatus::notFound);
-  }
-  EXPECT_EQ(controllers.made, 21);
-  EXPECT_EQ(controllers.alive(), 1U);
-}
-
-TEST_F(AppModelTest, ACommandUnderWayEndsOnTheOldController) {
-  start();
-  controllers.commands.isClosed = true;
-  model->applyPlan(fixed({{0, 3000}}));
-  settle();
-  setHelper(DaemonStatus::enabled);
-  EXPECT_EQ(controllers.alive(), 2U);
-  controllers.commands.open();
-  settle();
-  EXPECT_EQ(controllers.alive(), 1U);
-  EXPECT_EQ(controllers.plans.front().controller, "preview 1");
-}
-
-TEST_F(AppModelTest, StatesOfAnOldControllerAreNotMirrored) {
-  start();
-  controllers.commands.isClosed = true;
-  model->applyPlan(fixed({{0, 3000}}));
-  settle();
-  auto& old = controller(); // Kept by the command.
-  setHelper(DaemonStatus::enabled);
-  ControlState late;
-  late.lastError = "late";
-  old.states.yield(late);
-  settle();
-  EXPECT_EQ(model->controlState(), ControlState::idle);
-}
-
 TEST_F(AppModelTest, ReleasingTheModelEndsItsLoopsAndItsController) {
   store.savePlan(fixed({{0, 3000}}));
   startWithHelper();
@@ -260,35 +168,6 @@ TEST_F(AppModelTest, AModelReleasedBeforeItsLoopsBeginReadsNothing) {
   EXPECT_EQ(driver.opened, 0);
   EXPECT_TRUE(readings.times.empty());
   EXPECT_EQ(registration->asked, 0);
-}
-
-TEST_F(AppModelTest, OnboardingRegistersAndTakesTheHelperUp) {
-  registration->statusAfterRegistering = DaemonStatus::enabled;
-  start();
-  model->beginHelperOnboarding();
-  settle();
-  EXPECT_TRUE(model->isHelperActive());
-  EXPECT_EQ(registration->log, (Names{"register"}));
-}
-
-TEST_F(AppModelTest, OnboardingLeadsToWhereTheHelperIsAllowed) {
-  registration->statusAfterRegistering = DaemonStatus::requiresApproval;
-  start();
-  model->beginHelperOnboarding();
-  settle();
-  EXPECT_FALSE(model->isHelperActive());
-  EXPECT_EQ(registration->log, (Names{"register", "openSystemSettings"}));
-}
-
-TEST_F(AppModelTest, OnboardingBeforeTheFirstStatusWaitsForIt) {
-  registration->answers.isClosed = true;
-  start();
-  model->beginHelperOnboarding();
-  settle();
-  EXPECT_TRUE(registration->log.empty());
-  registration->answers.open();
-  settle();
-  EXPECT_EQ(registration->log, (Names{"register"}));
 }
 
 TEST_F(AppModelTest, SupportOpensTheConfiguredPage) {
@@ -334,28 +213,7 @@ TEST_F(AppModelTest, APlanSentBeforeTheQuitIsTakenBackByIt) {
   model->applyPlan(fixed({{0, 3000}}));
   model->restoreAutoOnQuit();
   settle();
-  EXPECT_EQ(sentCount(), 1U);
-  EXPECT_EQ(controllers.restores.size(), 1U);
-}
-
-TEST_F(AppModelTest, AWeekKeepsNothingThatGrows) {
-  store.savePlan(fixed({{0, 3000}}));
-  startWithHelper();
-  pass(60);
-  const std::size_t sleepers = time.clock.sleeperCount();
-  for (int hour = 0; hour < 7 * 24; ++hour) {
-    controller().states.yield({.lastError = std::to_string(hour)});
-    controllers.heartbeats.clear();
-    controllers.heartbeatTimes.clear();
-    readings.times.clear();
-    pass(3600);
-    ASSERT_EQ(model->controlState().lastError, std::to_string(hour)); // The stream has been read.
-  }
-  EXPECT_EQ(controller().states.tryNext(), std::nullopt);
-  EXPECT_EQ(time.clock.sleeperCount(), sleepers);
-  EXPECT_EQ(controllers.alive(), 1U);
-  EXPECT_EQ(sentCount(), 1U);
-  EXPECT_EQ(disk.files().size(), 2U); // The plan and the presets.
+  EXPECT_EQ(controllers.calls, (Names{"helper 2 applyPlan", "helper 2 restoreAuto"}));
 }
 
 } // namespace

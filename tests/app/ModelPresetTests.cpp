@@ -278,8 +278,12 @@ TEST_F(AutoSwitchTest, APresetThatIsGoneChangesNothingUntilItIsBack) {
 }
 
 TEST_F(AutoSwitchTest, AnUnknownSourceSwitchesNothing) {
-  startSwitching();
+  start();
+  model->setAutoSwitch(both);
+  settle();
+  EXPECT_EQ(store.loadAutoSwitch(), both);
   EXPECT_EQ(activeID(), std::nullopt);
+  EXPECT_EQ(sentCount(), 0U);
   plugInto(PowerSource::battery);
   plugInto(PowerSource::unknown);
   EXPECT_EQ(model->powerSource(), PowerSource::unknown);
@@ -341,11 +345,15 @@ TEST_F(AutoSwitchTest, WithoutNotificationsTheSourceIsTheOneOfTheStart) {
 }
 
 TEST_F(AutoSwitchTest, ANotificationAfterTheModelTouchesNothing) {
-  start();
-  const auto onChange = socket->onChange;
-  socket->source = PowerSource::ac;
-  onChange(); // Under way to the model.
-  release();
+  startSwitching();
+  const auto stored = disk.files();
+  socket->source = PowerSource::battery;
+  socket->notify(); // Under way to the model when that goes.
+  model = nullptr;
+  socket->notify(); // The provider goes later, on its own executor.
+  settle();
+  EXPECT_EQ(disk.files(), stored);
+  EXPECT_EQ(sentCount(), 0U);
   EXPECT_EQ(socket->onChange, nullptr);
 }
 

@@ -29,6 +29,23 @@ protected:
     model->checkForUpdates();
     settle();
   }
+
+  /// Begins a check, once, in the middle of the model's next change.
+  [[nodiscard]] runtime::Observation pressAtTheNextChange() {
+    return model->observe([this, isPressed = false](Fields) mutable {
+      if (!std::exchange(isPressed, true)) model->checkForUpdates();
+    });
+  }
+  void expectThatTheSecondCheckRunsItsCourse() {
+    expectShown(Outcome::checking);
+    EXPECT_EQ(updateService->checks, 2);
+    pass(7); // What was left to do for the first one comes due.
+    expectShown(Outcome::checking);
+    engine().didFindValidUpdate("2.0");
+    expectShown(Outcome::updateAvailable("2.0"));
+    pass(4);
+    expectIdle();
+  }
 };
 
 TEST_F(UpdateCheckTest, ACheckIsShownAndHandedToTheEngine) {
@@ -124,6 +141,7 @@ TEST_F(UpdateCheckTest, ASecondCheckReplacesTheFirst) {
   start();
   check();
   pass(30);
+  engine().didAbort(broken); // The first one's outcome, which comes to the model too late.
   check();
   EXPECT_EQ(updateService->checks, 2);
   pass(30); // The first one's limit.
@@ -134,6 +152,44 @@ TEST_F(UpdateCheckTest, ASecondCheckReplacesTheFirst) {
   expectIdle();
   pass(60); // The second one's limit finds no check.
   expectIdle();
+}
+
+// What an outcome belongs to is decided by when the engine told it.
+
+TEST_F(UpdateCheckTest, AnOutcomeToldBeforeTheFirstCheckIsIgnored) {
+  start();
+  engine().didAbort(broken);
+  check();
+  expectShown(Outcome::checking);
+}
+
+TEST_F(UpdateCheckTest, AnOutcomeToldBeforeTheSecondCheckIsIgnored) {
+  start();
+  check();
+  engine().didAbort(broken);
+  model->checkForUpdates();
+  expectShown(Outcome::checking);
+  engine().didNotFindUpdate();
+  expectShown(Outcome::upToDate);
+}
+
+TEST_F(UpdateCheckTest, WhatIsToldAfterTheSecondPressAnswersIt) {
+  start();
+  check();
+  model->checkForUpdates();
+  engine().didFindValidUpdate("2.0");
+  expectShown(Outcome::updateAvailable("2.0"));
+  pass(4);
+  expectIdle();
+}
+
+TEST_F(UpdateCheckTest, TheEndOfACheckThatAlreadyFailedIsIgnoredByTheNext) {
+  start();
+  check();
+  engine().didAbort(broken);
+  engine().didFinishUpdateCycle(broken);
+  model->checkForUpdates();
+  expectShown(Outcome::checking);
 }
 
 TEST_F(UpdateCheckTest, OfTwoReportsOfOneFailureTheFirstCounts) {
@@ -188,38 +244,102 @@ TEST_F(UpdateCheckTest, AnOldOutcomeIsNotClearedBeforeTheSameOneThatIsNew) {
   expectIdle();
 }
 
-TEST_F(UpdateCheckTest, ABuildWithoutSettingsSaysSo) {
-  const std::string reason = "Updates are not configured in this build.";
-  const MapBundleInfo empty{{}};
-  auto its = dependencies();
-  AppModelDependencies without{.mainExecutor = its.mainExecutor,
-                               .engineExecutor = its.engineExecutor,
-                               .clock = its.clock,
-                               .smc = its.smc,
-                               .sensors = its.sensors,
-                               .makePreviewController = its.makePreviewController,
-                               .makeHelperController = its.makeHelperController,
-                               .daemonService = std::move(its.daemonService),
-                               .configStore = its.configStore,
-                               .powerSource = std::move(its.powerSource),
-                               .bundle = empty,
-                               .makeUpdateEngine = its.makeUpdateEngine,
-                               .supportURL = std::nullopt,
-                               .openURL = its.openURL};
-  model = AppModel::make(std::move(without));
+// An observer is told before a change, and may begin a check from there.
+
+TEST_F(UpdateCheckTest, ACheckBegunWhileAnOutcomeIsPublishedIsShown) {
+  start();
+  check();
+  const auto pressing = pressAtTheNextChange();
+  engine().didNotFindUpdate();
+  expectThatTheSecondCheckRunsItsCourse();
+}
+
+TEST_F(UpdateCheckTest, ACheckBegunWhileTheTimeOutIsPublishedIsShown) {
+  start();
+  check();
+  const auto pressing = pressAtTheNextChange();
+  pass(60);
+  expectThatTheSecondCheckRunsItsCourse();
+}
+
+TEST_F(UpdateCheckTest, ACheckBegunWhileTheDisplayReturnsToIdleIsShown) {
+  start();
+  check();
+  engine().didNotFindUpdate();
   settle();
+  const auto pressing = pressAtTheNextChange();
+  pass(4);
+  expectThatTheSecondCheckRunsItsCourse();
+}
+
+TEST_F(UpdateCheckTest, ACheckBegunWhileAnotherOneIsPublishedIsTheOnlyOne) {
+  start();
+  const auto loops = time.clock.sleeperCount();
+  const auto pressing = pressAtTheNextChange();
+  check();
+  expectShown(Outcome::checking);
+  EXPECT_EQ(updateService->checks, 1);
+  EXPECT_EQ(time.clock.sleeperCount(), loops + 1); // One limit of time.
+  engine().didNotFindUpdate();
+  expectShown(Outcome::upToDate);
+  pass(4);
+  expectIdle();
+}
+
+class BuildWithoutUpdatesTest : public UpdateCheckTest {
+protected:
+  void startWithoutSettings() {
+    auto its = dependencies();
+    model = AppModel::make({.mainExecutor = its.mainExecutor,
+                            .engineExecutor = its.engineExecutor,
+                            .clock = its.clock,
+                            .smc = its.smc,
+                            .sensors = its.sensors,
+                            .makePreviewController = its.makePreviewController,
+                            .makeHelperController = its.makeHelperController,
+                            .daemonService = std::move(its.daemonService),
+                            .configStore = its.configStore,
+                            .powerSource = std::move(its.powerSource),
+                            .bundle = empty,
+                            .makeUpdateEngine = its.makeUpdateEngine,
+                            .supportURL = std::nullopt,
+                            .openURL = its.openURL});
+    settle();
+  }
+  void expectIdleWithReason() {
+    settle();
+    EXPECT_EQ(model->updateOutcome(), std::nullopt);
+    EXPECT_EQ(model->updateMessage(), reason);
+  }
+
+  static inline const std::string reason = "Updates are not configured in this build.";
+  static inline const MapBundleInfo empty{{}};
+};
+
+TEST_F(BuildWithoutUpdatesTest, ItSaysSo) {
+  startWithoutSettings();
   EXPECT_FALSE(model->updatesAvailable());
   EXPECT_EQ(updateService->delegate, nullptr);
-  EXPECT_EQ(model->updateMessage(), reason);
+  expectIdleWithReason();
 
   for (int press = 0; press < 2; ++press) {
     check();
     expectShown(Outcome::unavailable(reason));
     pass(6);
-    EXPECT_EQ(model->updateOutcome(), std::nullopt);
-    EXPECT_EQ(model->updateMessage(), reason);
+    expectIdleWithReason();
   }
   EXPECT_EQ(updateService->checks, 0);
+}
+
+TEST_F(BuildWithoutUpdatesTest, ASecondPressDoesNotLengthenTheDisplay) {
+  startWithoutSettings();
+  check();
+  pass(3);
+  check(); // No new check, which is why the clearing of the first display holds for this one as well.
+  pass(2.9);
+  expectShown(Outcome::unavailable(reason));
+  pass(0.1);
+  expectIdleWithReason();
 }
 
 TEST_F(UpdateCheckTest, AModelThatIsGoneIsToldNothing) {
@@ -231,42 +351,6 @@ TEST_F(UpdateCheckTest, AModelThatIsGoneIsToldNothing) {
   delegate->didAbort(broken);
   settle();
   EXPECT_EQ(time.clock.sleeperCount(), 0U);
-}
-
-TEST_F(UpdateCheckTest, TheDelegateOffersTheChannelsOfTheBuild) {
-  start();
-  EXPECT_EQ(engine().allowedChannels(), sparkleAllowedChannels(UpdateChannel::stable));
-}
-
-// Pure.
-
-TEST(UpdateController, TellsWhatAnAbortComesTo) {
-  const auto underlying = [](PlatformError error) {
-    return PlatformError{.domain = "Outer",
-                         .code = 1,
-                         .description = "outer",
-                         .underlying = std::make_shared<const PlatformError>(std::move(error))};
-  };
-  const PlatformError urlCancelled{.domain = "NSURLErrorDomain", .code = -999};
-  const PlatformError userCancelled{.domain = "NSCocoaErrorDomain", .code = 3072};
-  const PlatformError task{.domain = "x", .code = 1, .isTaskCancellation = true};
-
-  EXPECT_EQ(outcomeForAbort({.domain = "SUSparkleErrorDomain", .code = 1001}), Outcome::upToDate);
-  EXPECT_EQ(outcomeForAbort({.domain = "SUSparkleErrorDomain", .code = 4007}), Outcome::cancelled);
-  EXPECT_EQ(outcomeForAbort(urlCancelled), Outcome::cancelled);
-  EXPECT_EQ(outcomeForAbort(userCancelled), Outcome::cancelled);
-  EXPECT_EQ(outcomeForAbort(task), Outcome::cancelled);
-  EXPECT_EQ(outcomeForAbort(underlying(urlCancelled)), Outcome::cancelled);
-  EXPECT_EQ(outcomeForAbort(underlying(userCancelled)), Outcome::cancelled);
-
-  EXPECT_EQ(outcomeForAbort(underlying(underlying(urlCancelled))), Outcome::failed("outer"));
-  EXPECT_EQ(outcomeForAbort(underlying(task)), Outcome::failed("outer"));
-  EXPECT_EQ(outcomeForAbort(underlying({.domain = "SUSparkleErrorDomain", .code = 4007})),
-            Outcome::failed("outer"));
-  EXPECT_EQ(outcomeForAbort({.domain = "NSCocoaErrorDomain", .code = -999, .description = "d"}),
-            Outcome::failed("d"));
-  EXPECT_EQ(outcomeForAbort({.domain = "NSURLErrorDomain", .code = 1001, .description = "d"}),
-            Outcome::failed("d"));
 }
 
 } // namespace

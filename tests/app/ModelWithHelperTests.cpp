@@ -64,6 +64,10 @@ protected:
   void bringHelperUp() { lives.push_back(std::make_unique<HelperLife>(time, link, mac)); }
 
   void start() {
+    makeModel();
+    pass(1);
+  }
+  void makeModel() {
     registration->status = DaemonStatus::enabled;
     model = AppModel::make(
         {.mainExecutor = time.executor(),
@@ -81,7 +85,6 @@ protected:
          .makeUpdateEngine = nullptr,
          .supportURL = std::nullopt,
          .openURL = nullptr});
-    pass(1);
   }
   void release() {
     model = nullptr;
@@ -159,6 +162,29 @@ TEST_F(ModelWithHelperTest, QuittingGivesTheFansBackAtOnce) {
   release();
   pass(1);
   EXPECT_EQ(modes(), (std::vector{0, 0}));
+}
+
+/// The stored plan waits for the check of the helper's build, which a quit does not.
+TEST_F(ModelWithHelperTest, QuittingAtAnyStepOfTheStartLeavesNoFanHeld) {
+  core::FanControlPlan stored;
+  stored.fans.push_back({0, core::FanControlModePlan::fixedRPM(4000)});
+  store.savePlan(stored);
+  bringHelperUp();
+  int startsWithHelper = 0;
+  for (int steps = 0; steps < 60; ++steps) {
+    makeModel();
+    time.context.restart();
+    for (int step = 0; step < steps; ++step)
+      time.context.poll_one();
+    startsWithHelper += model->isHelperActive() ? 1 : 0;
+    model->restoreAutoOnQuit();
+    release();
+    for (int second = 0; second < 20; ++second) {
+      pass(1);
+      ASSERT_EQ(modes(), (std::vector{0, 0})) << "step " << steps << ", second " << second;
+    }
+  }
+  EXPECT_GT(startsWithHelper, 10);
 }
 
 TEST_F(ModelWithHelperTest, AModelThatIsGoneWithoutAWordLosesTheFansToTheWatchdog) {

@@ -162,6 +162,15 @@ TEST_F(PreviewControllerTest, HeartbeatIsLoggedAlone) {
   EXPECT_TRUE(yielded().empty());
 }
 
+TEST_F(PreviewControllerTest, LimitedLogLosesItsOldestEntries) {
+  PreviewController limited(
+      time.executor(), time.clock, [](const std::string&) {}, PreviewController::defaultAcquireDelay, 2);
+  time.clock.run(limited.heartbeat());
+  time.clock.run(limited.restoreAuto());
+  time.clock.run(limited.heartbeat());
+  EXPECT_EQ(limited.log(), (Lines{"restoreAuto()", "heartbeat()"}));
+}
+
 TEST_F(PreviewControllerTest, EachEntryIsPrintedUnderItsTag) {
   run(controller.setManual(0, -1));
   time.clock.run(controller.heartbeat());

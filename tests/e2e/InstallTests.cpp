@@ -39,7 +39,8 @@ TEST_F(Installed, IsAllThere) {
         "usr/share/polkit-1/actions/com.ventolith.helper.policy", "usr/share/man/man1/ventolithctl.1",
         "usr/share/man/man8/ventolith-helper.8", "usr/share/bash-completion/completions/ventolithctl",
         "usr/share/zsh/vendor-completions/_ventolithctl",
-        "usr/share/fish/vendor_completions.d/ventolithctl.fish", "usr/share/doc/ventolith/docs/security.md"})
+        "usr/share/fish/vendor_completions.d/ventolithctl.fish", "usr/share/doc/ventolith/docs/security.md",
+        "usr/share/ventolith/Info.plist"})
     EXPECT_TRUE(fs::is_regular_file(file(path))) << path;
 }
 

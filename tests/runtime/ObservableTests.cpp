@@ -50,6 +50,11 @@ TEST(FieldSetTest, SetsAreJoined) {
   EXPECT_EQ((Fields{Field::speed} | Fields{Field::name}), (Fields{Field::name, Field::speed}));
 }
 
+TEST(FieldSetTest, SetsAreCut) {
+  EXPECT_EQ((Fields{Field::speed, Field::name} & Fields{Field::name, Field::isHeld}), Fields{Field::name});
+  EXPECT_TRUE((Fields{Field::speed} & Fields{Field::name}).isEmpty());
+}
+
 TEST(FieldSetTest, IsEmptyWithoutFields) {
   EXPECT_TRUE(Fields().isEmpty());
   EXPECT_FALSE(Fields{Field::speed}.isEmpty()); // The field of number zero is one, too.

@@ -31,12 +31,14 @@ std::string encode(const ConfigurationCacheRecord& record) {
   core::JSON json = core::JSON::object();
   json["revision"] = record.revision;
   json["envelope"] = toJSON(record.envelope);
-  return core::writeJSON(json);
+  std::string stored = core::writeJSON(json);
+  if (stored.size() > recordBounds.bytes) throw Error(Error::Plain::corruptRecord);
+  return stored;
 }
 
 ConfigurationCacheRecord decodeConfigurationCacheRecord(std::string_view stored) {
   try {
-    const core::JSON document = core::parseJSON(stored);
+    const core::JSON document = core::parseJSON(stored, recordBounds);
     const core::JSONReader json(document);
     return {.revision = json.at("revision").asInteger(), .envelope = readSignedEnvelope(json.at("envelope"))};
   } catch (const core::DecodeError&) {

@@ -3,6 +3,7 @@
 
 #include "app/platform-kit/SignedEnvelope.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -38,7 +39,12 @@ private:
   Case value_;
 };
 
-/// A record as it is stored, one line of JSON.
+/// What a stored record may be at the most. Wider than what travels: a record is longer than its envelope,
+/// and base64 a third longer than the document in it, so that whatever was accepted can be read again.
+inline constexpr core::JSONBounds recordBounds{.bytes = std::size_t{4} << 20};
+
+/// A record as it is stored, one line of JSON. Throws ConfigurationCacheError (corruptRecord) for a record
+/// that would be over `recordBounds`, and so never be read again.
 [[nodiscard]] std::string encode(const ConfigurationCacheRecord& record);
 /// The record in what a store holds. Throws ConfigurationCacheError (corruptRecord) if there is none.
 [[nodiscard]] ConfigurationCacheRecord decodeConfigurationCacheRecord(std::string_view stored);

@@ -6,11 +6,30 @@
 
 namespace ventolith::app {
 
+namespace {
+
+struct Registry {
+  std::mutex lock;
+  std::map<std::string, ConfigurationCacheCoordinator> coordinators; // Their places never move.
+};
+
+/// Holds a registry that is never destroyed: other threads and static objects may use it while the process
+/// ends.
+union LastingRegistry {
+  Registry registry;
+
+  LastingRegistry() : registry() {}
+  LastingRegistry(const LastingRegistry&) = delete;
+  LastingRegistry& operator=(const LastingRegistry&) = delete;
+  ~LastingRegistry() {}
+};
+
+} // namespace
+
 ConfigurationCacheCoordinator& ConfigurationCacheCoordinator::forKey(const std::string& key) {
-  static std::mutex registryLock;
-  static std::map<std::string, ConfigurationCacheCoordinator> registry; // Its places never move.
-  const std::lock_guard guard(registryLock);
-  return registry[key];
+  static LastingRegistry its;
+  const std::lock_guard guard(its.registry.lock);
+  return its.registry.coordinators[key];
 }
 
 SignedConfigurationCache::SignedConfigurationCache(const SignedPayloadVerifying& verifier,

@@ -19,7 +19,8 @@ namespace ventolith::app {
 struct ConfigurationCacheCoordinator {
   std::mutex lock;
 
-  /// The one of this process for `key`. Made when it is first asked for, and never removed. From any thread.
+  /// The one of this process for `key`. Made when it is first asked for, and never removed, not at the end of
+  /// the process either. From any thread.
   [[nodiscard]] static ConfigurationCacheCoordinator& forKey(const std::string& key);
 };
 

@@ -16,7 +16,7 @@ struct UpdateConfigurationError {
     bool operator==(const InvalidFeedURL&) const = default;
   };
   struct InvalidChannel {
-    std::string text; // Trimmed and in lower case.
+    std::string text; // Trimmed, its letters A to Z in lower case.
     bool operator==(const InvalidChannel&) const = default;
   };
   struct InvalidMarketingVersion {

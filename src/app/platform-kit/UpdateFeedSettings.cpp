@@ -29,7 +29,8 @@ bool isAllowedFeedURL(std::string_view text, bool allowInsecureLocalhost) {
 
   const auto scheme = view(url->scheme());
   const auto host = view(url->encoded_host());
-  if (host.empty()) return false;
+  // What an escape in a host stands for is not the same to all who read it.
+  if (host.empty() || host.find('%') != std::string_view::npos) return false;
   if (scheme == "https") return true;
   return allowInsecureLocalhost && scheme == "http" && (host == "localhost" || host == "127.0.0.1");
 }

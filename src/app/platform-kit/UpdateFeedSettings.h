@@ -22,8 +22,8 @@ struct UpdateFeedSettings {
 };
 
 /// The feed's URL, trimmed: "https" with a host, or "http" with the host localhost or 127.0.0.1 where that is
-/// allowed. Scheme and host are compared to the letter, so that HTTPS in capitals is refused. Fails with
-/// missingFeedURL, also for a blank text, or invalidFeedURL.
+/// allowed. Scheme and host are compared to the letter, so that HTTPS in capitals is refused, and a host has
+/// no escapes. Fails with missingFeedURL, also for a blank text, or invalidFeedURL.
 [[nodiscard]] UpdateConfigurationResult<std::string> checkedFeedURL(const UpdateFeedSettings& settings);
 
 /// The key's base64 text, trimmed, which stands for 32 bytes. Fails with missingPublicKey, also for a blank
@@ -31,7 +31,7 @@ struct UpdateFeedSettings {
 [[nodiscard]] UpdateConfigurationResult<std::string> checkedPublicKey(const UpdateFeedSettings& settings);
 
 /// Stable when absent; otherwise the channel of that word, blanks around it and capitals aside. Fails with
-/// invalidChannel.
+/// invalidChannel, whose text has the letters A to Z alone in lower case: no channel has others.
 [[nodiscard]] UpdateConfigurationResult<UpdateChannel> checkedChannel(const UpdateFeedSettings& settings);
 
 } // namespace ventolith::app

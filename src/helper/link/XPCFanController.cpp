@@ -120,15 +120,22 @@ Async<ControlResult> XPCFanController::command(HelperMessage message, StatePolli
 
 Async<ControlResult> XPCFanController::reconciledCommand(Weak controller, HelperMessage message,
                                                          StatePolling polling) {
+  auto self = controller.lock();
+  if (!self) co_return ControlResult::noHelper;
+  const std::uint64_t restoresBefore = self->restores_;
+  self = nullptr;
   co_await ensureHelperVersionReconciled(controller);
-  if (polling == StatePolling::started) {
-    if (const auto self = controller.lock()) self->ensureStatePollLoopRunning();
-  }
+  self = controller.lock();
+  if (!self) co_return ControlResult::noHelper;
+  if (self->restores_ != restoresBefore) co_return ControlResult::acquiring;
+  if (polling == StatePolling::started) self->ensureStatePollLoopRunning();
+  self = nullptr;
   const auto code = replyAs<replies::Code>(co_await call(controller, std::move(message)));
   co_return code ? ControlResult::fromXPCCode(code->value) : ControlResult::noHelper;
 }
 
 Async<void> XPCFanController::restoreAutoNow(Weak controller) {
+  if (const auto self = controller.lock()) ++self->restores_;
   co_await call(controller, messages::RestoreAuto{});
 }
 

@@ -53,7 +53,9 @@ public:
                    ProcessWideCounter& attempts);
   ~XPCFanController() override;
 
-  // A command waits for the check of the helper's build, and is sent whatever came of it.
+  // A command waits for the check of the helper's build, and is sent whatever came of it. One that a
+  // `restoreAuto` has overtaken meanwhile is not sent, for it would take the fans again: it ends with
+  // `acquiring`, since nothing has refused it.
   runtime::Async<core::ControlResult> setManual(core::FanID fan, std::int64_t rpm) override;
   runtime::Async<core::ControlResult> setPercent(core::FanID fan, double percent) override;
   runtime::Async<core::ControlResult> fullBlast() override;
@@ -125,6 +127,7 @@ private:
   bool needsFreshConnection_ = false; // The connection is gone for good; the next use replaces it.
   HelperVersionReconciler reconciler_;
   std::uint64_t connectionChanges_ = 0; // A verdict on a helper that has changed meanwhile is none.
+  std::uint64_t restores_ = 0;          // A command from before the last one is not sent any more.
   std::shared_ptr<Completion<Done>> inFlightReconciliationTask_;
   std::optional<runtime::StopSource> pollTask_; // Once started, for good.
   core::ControlStateStream stateStream_;

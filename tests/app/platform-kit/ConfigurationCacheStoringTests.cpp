@@ -37,6 +37,40 @@ TEST(ConfigurationCacheRecord, AnyOtherTextIsACorruptRecord) {
   }
 }
 
+/// A record whose JSON is as long as any may be, and `more` bytes longer.
+ConfigurationCacheRecord longRecord(std::size_t more) {
+  auto longest = record();
+  longest.envelope.payload.append(recordBounds.bytes + more - recordText.size(), 'A');
+  return longest;
+}
+
+TEST(ConfigurationCacheRecord, ReadsBackTheSameUpToItsBound) {
+  const auto longest = longRecord(0);
+  const std::string stored = encode(longest);
+  EXPECT_EQ(stored.size(), recordBounds.bytes);
+  EXPECT_EQ(decodeConfigurationCacheRecord(stored), longest);
+}
+
+TEST(ConfigurationCacheRecord, BeyondItsBoundIsNotWritten) {
+  EXPECT_EQ(support::thrown<Error>([] { (void)encode(longRecord(1)); }),
+            Error::Case(Error::Plain::corruptRecord));
+}
+
+TEST(ConfigurationCacheRecord, BeyondItsBoundIsNotRead) {
+  EXPECT_EQ(support::thrown<Error>([] {
+              (void)decodeConfigurationCacheRecord(
+                  recordText + std::string(recordBounds.bytes - recordText.size() + 1, ' '));
+            }),
+            Error::Case(Error::Plain::corruptRecord));
+}
+
+TEST(MemoryConfigurationCacheStore, ARecordThatIsTooLongLeavesTheOneThatIsStored) {
+  MemoryConfigurationCacheStore store;
+  store.save(record());
+  EXPECT_TRUE(support::thrown<Error>([&] { store.save(longRecord(1)); }));
+  EXPECT_EQ(store.load(), record());
+}
+
 TEST(MemoryConfigurationCacheStore, IsEmptyAtFirst) {
   EXPECT_EQ(MemoryConfigurationCacheStore().load(), std::nullopt);
 }

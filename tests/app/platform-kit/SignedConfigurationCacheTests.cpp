@@ -19,6 +19,11 @@ runtime::WallTime wallTime(std::string_view text) {
       std::chrono::duration_cast<runtime::WallTime::duration>(support::date(text).time_since_epoch()));
 }
 
+/// An envelope as it travels.
+std::string travelling(const SignedEnvelope& envelope) {
+  return core::writeJSON(toJSON(envelope));
+}
+
 /// A store that counts, and fails when it is told to.
 class ScriptedStore final : public ConfigurationCacheStoring {
 public:
@@ -161,6 +166,33 @@ TEST_F(SignedConfigurationCacheTest, AStoredEnvelopeThatDoesNotVerifyBlocksNewOn
 
   store_.record.reset();
   EXPECT_EQ(accept(envelope(8)).revision, 8);
+}
+
+TEST_F(SignedConfigurationCacheTest, TheStoredEnvelopeIsVerifiedBeforeTheNewOne) {
+  store(Publisher(2).publish(support::configurationJSON(7)), 7);
+  auto other = envelope(8);
+  other.algorithm = "RSA";
+  EXPECT_EQ(failure<PayloadError>(other), PayloadError::Case(PayloadError::Plain::invalidSignature));
+}
+
+TEST_F(SignedConfigurationCacheTest, WhatDoesNotFitIsSaidBeforeAConflict) {
+  (void)accept(envelope(7));
+  EXPECT_EQ(failure<ValidationError>(envelopeWith(7, "expiresAt", "2026-03-10T12:00:00Z")),
+            ValidationError::Case(ValidationError::Plain::expired));
+}
+
+TEST_F(SignedConfigurationCacheTest, TheLongestEnvelopeThatTravelsIsCurrentOnceAccepted) {
+  const std::size_t bound = core::JSONBounds().bytes;
+  const std::size_t room = bound - travelling(envelopeWith(7, "filler", "")).size();
+  const std::string text = travelling(envelopeWith(7, "filler", std::string(room / 4 * 3, 'x')));
+  ASSERT_LE(text.size(), bound);
+  ASSERT_GT(text.size(), bound - 4); // A step of base64 below it.
+
+  MemoryConfigurationCacheStore store;
+  SignedConfigurationCache cache(verifier_, store, "org.example.fans", "1.0.3");
+  const auto accepted = cache.accept(decodeSignedEnvelope(text), now_);
+  EXPECT_EQ(cache.current(now_), accepted);
+  EXPECT_EQ(cache.accept(envelope(8), now_).revision, 8);
 }
 
 TEST_F(SignedConfigurationCacheTest, AStoredDocumentThatExpiredBlocksNothing) {

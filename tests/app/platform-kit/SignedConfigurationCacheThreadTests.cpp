@@ -6,36 +6,49 @@
 
 #include <array>
 #include <atomic>
-#include <set>
+#include <cstdlib>
+#include <latch>
+#include <mutex>
+#include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 namespace ventolith::app {
 namespace {
 
-/// What stands in one place, and whether two were ever between its load and its save.
-struct Place {
-  std::atomic<bool> isInUse = false;
-  std::atomic<int> overlaps = 0;
-  std::atomic<int> uses = 0;
+/// What stands in one place, and whether two ever used it at once.
+class Place {
+public:
+  void enter() {
+    if (isInUse_.exchange(true)) ++overlaps_;
+    std::this_thread::yield();
+  }
+  void leave() {
+    ++uses_;
+    isInUse_ = false;
+  }
+
+  [[nodiscard]] int overlaps() const { return overlaps_; }
+  [[nodiscard]] int uses() const { return uses_; }
+
+private:
+  std::atomic<bool> isInUse_ = false;
+  std::atomic<int> overlaps_ = 0;
+  std::atomic<int> uses_ = 0;
 };
 
-/// A store of that place: every one that is loaded is saved, since `accept` succeeds each time.
+/// A store of that place, which is in use from a load on. An `accept` leaves it with its save.
 class StoreOfPlace final : public ConfigurationCacheStoring {
 public:
   StoreOfPlace(Place& place, std::string key, SignedEnvelope envelope)
       : place_(place), key_(std::move(key)), record_{.revision = 7, .envelope = std::move(envelope)} {}
 
   std::optional<ConfigurationCacheRecord> load() override {
-    if (place_.isInUse.exchange(true)) ++place_.overlaps;
-    std::this_thread::yield();
+    place_.enter();
     return record_;
   }
-
-  void save(const ConfigurationCacheRecord&) override {
-    ++place_.uses;
-    place_.isInUse = false;
-  }
-
+  void save(const ConfigurationCacheRecord&) override { place_.leave(); }
   [[nodiscard]] std::string coordinationKey() const override { return key_; }
 
 private:
@@ -44,47 +57,95 @@ private:
   ConfigurationCacheRecord record_;
 };
 
+/// Leaves the place when it has verified, which is the last that `current` wants from outside.
+class LeavingVerifier final : public SignedPayloadVerifying {
+public:
+  LeavingVerifier(Place& place, const SignedPayloadVerifying& verifier)
+      : place_(place), verifier_(verifier) {}
+
+  [[nodiscard]] Bytes verifiedPayload(const SignedEnvelope& envelope,
+                                      SignedPayloadPurpose expected) const override {
+    auto payload = verifier_.verifiedPayload(envelope, expected);
+    place_.leave();
+    return payload;
+  }
+
+private:
+  Place& place_;
+  const SignedPayloadVerifying& verifier_;
+};
+
 class SignedConfigurationCacheThreads : public testing::Test {
 protected:
   static constexpr int rounds = 400;
 
-  /// Two caches, each with a store of its own for `place`, accept at the same time on a thread each.
-  void race(Place& place, const std::array<std::string, 2>& coordinationKeys) const {
-    const runtime::WallTime now(std::chrono::hours(24) * 20522); // 2026-03-10.
-    std::atomic<int> ready = 0;
-    const auto run = [&](const std::string& key) {
-      StoreOfPlace store(place, key, envelope_);
+  /// Accepts again and again, by a cache of its own.
+  [[nodiscard]] auto accepting(Place& place, const std::string& coordinationKey) const {
+    return [this, &place, coordinationKey](std::latch& start) {
+      StoreOfPlace store(place, coordinationKey, envelope_);
       SignedConfigurationCache cache(verifier_, store, "org.example.fans", "1.0.3");
-      ++ready;
-      while (ready < 2)
-        std::this_thread::yield();
+      start.arrive_and_wait();
       for (int round = 0; round < rounds; ++round)
-        (void)cache.accept(envelope_, now);
+        (void)cache.accept(envelope_, now_);
     };
-    std::thread one(run, coordinationKeys[0]);
-    std::thread other(run, coordinationKeys[1]);
-    one.join();
-    other.join();
   }
 
+  /// Reads what is current again and again, by a cache of its own.
+  [[nodiscard]] auto reading(Place& place, const std::string& coordinationKey) const {
+    return [this, &place, coordinationKey](std::latch& start) {
+      StoreOfPlace store(place, coordinationKey, envelope_);
+      const LeavingVerifier verifier(place, verifier_);
+      const SignedConfigurationCache cache(verifier, store, "org.example.fans", "1.0.3");
+      start.arrive_and_wait();
+      for (int round = 0; round < rounds; ++round)
+        (void)cache.current(now_);
+    };
+  }
+
+  /// Does both at the same time, on a thread each.
+  template <class One, class Other>
+  static void race(const One& one, const Other& other) {
+    std::latch start(2);
+    std::thread thread([&] { one(start); });
+    other(start);
+    thread.join();
+  }
+
+  const runtime::WallTime now_{std::chrono::hours(24) * 20522}; // 2026-03-10.
   support::Publisher publisher_;
   SignedEnvelope envelope_ = publisher_.publish(support::configurationJSON(7));
   StaticSigningPublicKeyProvider keys_{support::keysOf(publisher_)};
   Ed25519SignedPayloadVerifier verifier_{keys_};
 };
 
-TEST_F(SignedConfigurationCacheThreads, CachesOfOnePlaceTakeTurns) {
+TEST_F(SignedConfigurationCacheThreads, CachesOfOnePlaceTakeTurnsToAccept) {
   Place place;
-  race(place, {"one place", "one place"});
-  EXPECT_EQ(place.uses, 2 * rounds);
-  EXPECT_EQ(place.overlaps, 0);
+  race(accepting(place, "one place"), accepting(place, "one place"));
+  EXPECT_EQ(place.uses(), 2 * rounds);
+  EXPECT_EQ(place.overlaps(), 0);
 }
 
-TEST_F(SignedConfigurationCacheThreads, CachesOfTwoPlacesDoNotWaitForEachOther) {
-  Place place; // Used under two names, which nobody should: the race shows that it can be lost.
-  race(place, {"a name", "another name"});
-  EXPECT_EQ(place.uses, 2 * rounds);
-  EXPECT_GT(place.overlaps, 0);
+TEST_F(SignedConfigurationCacheThreads, ReadingWhatIsCurrentTakesItsTurnToo) {
+  Place place;
+  race(accepting(place, "one place"), reading(place, "one place"));
+  EXPECT_EQ(place.uses(), 2 * rounds);
+  EXPECT_EQ(place.overlaps(), 0);
+}
+
+// One place under two names, which nobody should use: the races show that they can be lost.
+
+TEST_F(SignedConfigurationCacheThreads, CachesOfTwoPlacesDoNotWaitForEachOtherToAccept) {
+  Place place;
+  race(accepting(place, "a name"), accepting(place, "another name"));
+  EXPECT_EQ(place.uses(), 2 * rounds);
+  EXPECT_GT(place.overlaps(), 0);
+}
+
+TEST_F(SignedConfigurationCacheThreads, CachesOfTwoPlacesDoNotWaitForEachOtherToRead) {
+  Place place;
+  race(accepting(place, "a name"), reading(place, "another name"));
+  EXPECT_EQ(place.uses(), 2 * rounds);
+  EXPECT_GT(place.overlaps(), 0);
 }
 
 TEST(ConfigurationCacheCoordinator, IsTheSameForTheSameKey) {
@@ -112,6 +173,22 @@ TEST(ConfigurationCacheCoordinator, IsMadeOnceHoweverManyThreadsAskForIt) {
   for (auto& thread : threads)
     thread.join();
   EXPECT_EQ(found[0], found[1]);
+}
+
+/// An object with static storage that was there before the first coordinator is destroyed after whatever was
+/// made for it. A sanitizer sees what is used then and is gone.
+TEST(ConfigurationCacheCoordinatorDeathTest, IsStillThereWhileTheProcessEnds) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe"); // In a process in which nobody has asked for one yet.
+  const auto useAtTheEnd = [] {
+    const std::lock_guard guard(ConfigurationCacheCoordinator::forKey("used until the end").lock);
+  };
+  EXPECT_EXIT(
+      {
+        (void)std::atexit(useAtTheEnd);
+        useAtTheEnd();
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 } // namespace

@@ -67,9 +67,9 @@ TEST(UpdateFeedConfiguration, AFeedThatIsAbsentOrBlankIsMissing) {
 }
 
 TEST(UpdateFeedConfiguration, HTTPSFeedsWithAHostPass) {
-  for (const std::string url :
-       {"https://example.com", "https://example.com:8443/a/b?c=d#e", "https://user@example.com/",
-        "https://127.0.0.1/", "https://[::1]/feed", "https://localhost/feed"})
+  for (const std::string url : {"https://example.com", "https://example.com:8443/a/b?c=d#e",
+                                "https://user@example.com/", "https://127.0.0.1/", "https://[::1]/feed",
+                                "https://localhost/feed", "https://us%20er@example.com/a%20b"})
     EXPECT_TRUE(UpdateFeedConfiguration::make(withFeed(url))) << url;
 }
 
@@ -90,6 +90,10 @@ TEST(UpdateFeedConfiguration, OtherFeedsAreInvalid) {
                                 "https://exa mple.com/",
                                 "https://example.com/a b",
                                 "https://example.com/%zz",
+                                "https://%20/",
+                                "https://ex%00ample.com/",
+                                "https://ex%61mple.com/",
+                                "https://[fe80::1%25eth0]/",
                                 "https://[::1",
                                 "https://user@example.com@elsewhere/",
                                 "https//example.com",
@@ -155,6 +159,7 @@ TEST(UpdateFeedConfiguration, BlanksAndCapitalsDoNotMatterInAChannel) {
 
 TEST(UpdateFeedConfiguration, AnyOtherChannelIsQuotedInLowerCase) {
   EXPECT_EQ(errorOf(withChannel(" Nightly ")), Error::invalidChannel("nightly"));
+  EXPECT_EQ(errorOf(withChannel("N\u00C4CHTLICH")), Error::invalidChannel("n\u00C4chtlich")); // ASCII alone.
   EXPECT_EQ(errorOf(withChannel("")), Error::invalidChannel(""));
   EXPECT_EQ(errorOf(withChannel("beta stable")), Error::invalidChannel("beta stable"));
 }

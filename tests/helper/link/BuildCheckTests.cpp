@@ -46,6 +46,30 @@ TEST_F(BuildCheckTest, TwoCommandsShareOneCheck) {
   EXPECT_EQ(helper.count("HelperVersion"), 1);
 }
 
+TEST_F(BuildCheckTest, ACommandThatWaitedPastARestoreIsNotSent) {
+  bringUp();
+  helper.hold("HelperVersion");
+  const auto controller = makeController();
+  const auto plan = begin(controller->applyPlan(FanControlPlan::allAutomatic));
+  run(controller->restoreAuto());
+  helper.letGo();
+  pass(10);
+  EXPECT_EQ(*plan, ControlResult::acquiring);
+  EXPECT_EQ(helper.log(), (Log{"HelperVersion", "RestoreAuto"})); // Nor is anything polled.
+}
+
+TEST_F(BuildCheckTest, ACommandAfterARestoreIsSentWhenTheCheckIsOver) {
+  bringUp();
+  helper.hold("HelperVersion");
+  const auto controller = makeController();
+  run(controller->restoreAuto());
+  const auto blast = begin(controller->fullBlast());
+  helper.letGo();
+  time.clock.settle();
+  EXPECT_EQ(*blast, ControlResult::applied);
+  EXPECT_EQ(helper.log(), (Log{"HelperVersion", "RestoreAuto", "FullBlast", "ReadState"}));
+}
+
 TEST_F(BuildCheckTest, ACommandWaitsForTheWholeSwap) {
   bringUp();
   helper.build = "1.0.2+5";
