@@ -1,0 +1,14 @@
+// The words of the main window's frame.
+#pragma once
+
+#include <QString>
+
+namespace ventolith::ui {
+
+struct RootTexts {
+  QString restoreAuto; // Never disabled: a way back to the firmware is there in every state.
+  QString restoreAutoToolTip;
+};
+[[nodiscard]] RootTexts rootTexts();
+
+} // namespace ventolith::ui
