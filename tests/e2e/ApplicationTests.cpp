@@ -2,6 +2,7 @@
 // processes on a bus of the test's own.
 #include "e2e/HelperHouse.h"
 #include "e2e/MockPeer.h"
+#include "e2e/MockUPower.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -19,6 +20,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -68,23 +70,6 @@ private:
   MockPeer peer_;
 };
 
-/// dbusmock's UPower, on mains power at first.
-class MockUPower {
-public:
-  explicit MockUPower(const PrivateBus& bus)
-      : peer_(bus, {"org.freedesktop.UPower", "/org/freedesktop/UPower", "org.freedesktop.UPower"},
-              "upower") {
-    setOnBattery(false);
-  }
-  void setOnBattery(bool isOnBattery) const {
-    peer_.control("UpdateProperties", std::string("org.freedesktop.UPower"),
-                  std::map<std::string, sdbus::Variant>{{"OnBattery", sdbus::Variant(isOnBattery)}});
-  }
-
-private:
-  MockPeer peer_;
-};
-
 class RunningApplication : public testing::Test {
 protected:
   RunningApplication() { fs::create_directories(settings()); }
@@ -104,6 +89,13 @@ protected:
     application =
         std::make_unique<Program>("ventolith", options, environment, Streams{.in = commands.file()});
     waitUntilLine("snapshot: 2 fans");
+  }
+  [[nodiscard]] Environment environment(const Environment& more = {}) const {
+    Environment environment = house.environment();
+    environment["XDG_CONFIG_HOME"] = home_.path().string();
+    environment["VENTOLITH_POWER_SUPPLY"] = (home_.path() / "no-supplies").string();
+    environment.insert(more.begin(), more.end());
+    return environment;
   }
   void say(const std::string& command) const { commands.write(command); }
 
@@ -220,19 +212,23 @@ TEST_F(RunningApplication, KilledHelperLeavesNoFanHeldAndServesAgain) {
 }
 
 TEST_F(RunningApplication, PowerSourceChoosesThePreset) {
-  const MockUPower upower(house.bus());
+  const auto upower = startUPowerOn(house.bus(), R"({"OnBattery": false})");
+  const auto setOnBattery = [&](bool isOnBattery) {
+    upower->control("UpdateProperties", upowerObject.interface,
+                    Properties{{"OnBattery", sdbus::Variant(isOnBattery)}});
+  };
   startWithChildHelper();
   waitUntilPublished("powerSource", "ac");
   say("auto-switch Quiet Max");
   waitUntilPublished("activePreset", "Max");
-  upower.setOnBattery(true);
+  setOnBattery(true);
   waitUntilPublished("powerSource", "battery");
   waitUntilPublished("activePreset", "Quiet");
-  upower.setOnBattery(false);
+  setOnBattery(false);
   waitUntilPublished("activePreset", "Max");
   say("auto-switch off");
   waitUntil("switching off", [this] { return published("autoSwitch").find("false") != std::string::npos; });
-  upower.setOnBattery(true);
+  setOnBattery(true);
   waitUntilPublished("powerSource", "battery");
   EXPECT_EQ(published("activePreset"), "Max");
 }
@@ -242,9 +238,12 @@ struct WayToQuit {
   std::function<void(const Program&, const CommandPipe&)> quit;
 };
 
-class QuittingApplication : public RunningApplication, public testing::WithParamInterface<WayToQuit> {
+using Options = std::vector<std::string>;
+
+class QuittingApplication : public RunningApplication,
+                            public testing::WithParamInterface<std::tuple<WayToQuit, Options>> {
 protected:
-  QuittingApplication() { options = {"--headless"}; }
+  QuittingApplication() { options = std::get<Options>(GetParam()); }
 };
 
 TEST_P(QuittingApplication, GivesTheFansBackAndKeepsWhatTheUserWants) {
@@ -253,7 +252,7 @@ TEST_P(QuittingApplication, GivesTheFansBackAndKeepsWhatTheUserWants) {
   const auto helper = house.startHelper();
   start();
   holdBothFans();
-  GetParam().quit(*application, commands);
+  std::get<WayToQuit>(GetParam()).quit(*application, commands);
   const Ended ended = application->wait();
   EXPECT_EQ(ended.status, 0);
   house.waitUntilBack();
@@ -264,14 +263,42 @@ TEST_P(QuittingApplication, GivesTheFansBackAndKeepsWhatTheUserWants) {
   waitUntil("fans that are held again", [this] { return house.isEveryFanHeld(); });
 }
 
+std::string nameOfWay(const testing::TestParamInfo<std::tuple<WayToQuit, Options>>& combination) {
+  const auto& [way, options] = combination.param;
+  return std::string(way.name) + (options.size() > 1 ? "WithTwoThreads" : "WithOneThread");
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Ways, QuittingApplication,
-    testing::Values(WayToQuit{"Word", [](const Program&, const CommandPipe& pipe) { pipe.write("quit"); }},
-                    WayToQuit{"Terminate",
-                              [](const Program& program, const CommandPipe&) { program.signal(SIGTERM); }},
-                    WayToQuit{"EndOfTheSession",
-                              [](const Program& program, const CommandPipe&) { program.signal(SIGHUP); }}),
-    [](const auto& way) { return way.param.name; });
+    testing::Combine(
+        testing::Values(WayToQuit{"Word",
+                                  [](const Program&, const CommandPipe& pipe) { pipe.write(" quit "); }},
+                        WayToQuit{"Terminate", [](const Program& program,
+                                                  const CommandPipe&) { program.signal(SIGTERM); }},
+                        WayToQuit{"EndOfTheSession", [](const Program& program,
+                                                        const CommandPipe&) { program.signal(SIGHUP); }}),
+        testing::Values(Options{"--headless"}, Options{"--headless", "--engine-thread"})),
+    nameOfWay);
+
+TEST_F(RunningApplication, LinesThatNobodyReadsAreLostAndNothingElse) {
+  std::ofstream(settings() / "plan.json") << planText(3000);
+  MockSystemd systemd(house.bus());
+  systemd.unitIs("enabled");
+  const auto helper = house.startHelper();
+  Program deafened("ventolith", options, environment(), {.in = commands.file(), .isOutBroken = true});
+  waitUntil("fans that are held", [this] { return house.isEveryFanHeld(); });
+  deafened.signal(SIGTERM);
+  EXPECT_EQ(deafened.wait().status, 0);
+  house.waitUntilBack();
+}
+
+TEST_F(RunningApplication, BusThatStandsStillHoldsUpNeitherReadingsNorTheEnd) {
+  house.bus().signal(SIGSTOP);
+  start(); // Waits for a reading.
+  say("quit");
+  EXPECT_EQ(application->wait().status, 0);
+  house.bus().signal(SIGCONT);
+}
 
 TEST_F(RunningApplication, KilledApplicationTakesItsChildAlongAndItsFansBack) {
   startWithChildHelper();
@@ -298,6 +325,14 @@ TEST_F(RunningApplication, WrongCommandsAreAnsweredAndChangeNothing) {
     waitUntilLine(answer);
   }
   EXPECT_EQ(linesOf("activePlan: "), 1);
+}
+
+TEST_F(RunningApplication, LineThatIsTooLongIsRefusedAndTheNextOneObeyed) {
+  start();
+  say(std::string(5000, 'x'));
+  waitUntilLine("error: a line has more than 4096 bytes");
+  say("dashboard shown");
+  waitUntilLine("isDashboardVisible: yes");
 }
 
 TEST_F(RunningApplication, StartsWithDamagedFilesAndLeavesTheRest) {

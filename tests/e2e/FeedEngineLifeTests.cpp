@@ -171,18 +171,36 @@ TEST_F(FeedEngineLife, KeepsNothingOpenBetweenChecks) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
+/// Runs the engine's loop as the program does.
+class EngineThread {
+public:
+  EngineThread() : thread_([this] { context_.run(); }) {}
+  EngineThread(const EngineThread&) = delete;
+  EngineThread& operator=(const EngineThread&) = delete;
+  ~EngineThread() {
+    guard_.reset();
+    thread_.join();
+  }
+
+  [[nodiscard]] runtime::Executor executor() { return context_.get_executor(); }
+  [[nodiscard]] runtime::Clock& clock() { return clock_; }
+
+private:
+  boost::asio::io_context context_;
+  platform::SystemClock clock_{context_.get_executor()};
+  boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard_{context_.get_executor()};
+  std::thread thread_;
+};
+
 TEST_F(FeedEngineLife, WorksOnAThreadOfItsOwn) {
   publish(feedOf({{"7", "1.1"}}));
   boost::asio::io_context main;
-  boost::asio::io_context engine;
-  platform::SystemClock clock(engine.get_executor());
-  auto guard = boost::asio::make_work_guard(engine);
-  std::thread thread([&] { engine.run(); });
+  EngineThread engine;
   for (int presses = 0; presses < 5; ++presses) {
     auto its = settings();
     const platform::FeedUpdateEngineSettings settings{.mainExecutor = main.get_executor(),
-                                                      .engineExecutor = engine.get_executor(),
-                                                      .clock = clock,
+                                                      .engineExecutor = engine.executor(),
+                                                      .clock = engine.clock(),
                                                       .running = its.running,
                                                       .openPage = its.openPage,
                                                       .limits = its.limits,
@@ -193,16 +211,21 @@ TEST_F(FeedEngineLife, WorksOnAThreadOfItsOwn) {
     checks.setOnOutcome([&](const Outcome& told) { outcome = told; });
     checks.checkForUpdates();
     if (presses % 2 == 1) continue; // Goes at once.
-    waitUntil("the offer", [&] {
+    const auto settle = [&] {
       main.restart();
       main.poll();
-      return outcome && !opened.empty();
+    };
+    waitUntil("the outcome", [&] {
+      settle();
+      return outcome.has_value();
     });
-    EXPECT_EQ(*outcome, Outcome::updateAvailable("1.1"));
+    ASSERT_EQ(*outcome, Outcome::updateAvailable("1.1"));
+    waitUntil("the offer", [&] {
+      settle();
+      return !opened.empty();
+    });
     opened.clear();
   }
-  guard.reset();
-  thread.join();
 }
 
 } // namespace

@@ -29,11 +29,10 @@ public:
   ~AsioWait() override { descriptor_.release(); }
 
   void begin(std::function<void()> onReadable) override {
-    descriptor_.async_wait(
-        boost::asio::posix::stream_descriptor::wait_read,
-        [onReadable = std::move(onReadable)](const boost::system::error_code& error) {
-          if (!error) onReadable();
-        });
+    descriptor_.async_wait(boost::asio::posix::stream_descriptor::wait_read,
+                           [onReadable = std::move(onReadable)](const boost::system::error_code& error) {
+                             if (!error) onReadable();
+                           });
   }
   void cancel() override { descriptor_.cancel(); }
 

@@ -45,6 +45,7 @@ public:
   [[nodiscard]] const std::shared_ptr<app::AppModel>& model() const { return model_; }
   [[nodiscard]] const std::string& machineName() const { return machine_.name; }
   [[nodiscard]] const app::BundleInfo& bundle() const { return bundle_; }
+  [[nodiscard]] bool hasSupportPage() const { return bundle_.string("AppSupportURL").has_value(); }
   [[nodiscard]] app::Lifecycle& lifecycle() { return lifecycle_; }
 
   /// The application ends in order: the fans are asked back, and the model goes. Who wants that message to be

@@ -5,17 +5,23 @@ namespace ventolith::programs {
 EngineThread::EngineThread() = default;
 
 EngineThread::~EngineThread() {
-  end();
+  context_.stop();
+  if (thread_.joinable()) thread_.join();
 }
 
 void EngineThread::start() {
-  thread_ = std::thread([this] { context_.run(); });
+  thread_ = std::thread([this] {
+    context_.run();
+    ended_.set_value();
+  });
 }
 
-void EngineThread::end() {
-  if (!thread_.joinable()) return;
+bool EngineThread::end(std::chrono::milliseconds longest) {
   context_.stop();
+  if (!thread_.joinable()) return true;
+  if (ended_.get_future().wait_for(longest) == std::future_status::timeout) return false;
   thread_.join();
+  return true;
 }
 
 } // namespace ventolith::programs

@@ -5,24 +5,23 @@
 #include "programs/ventolith/EngineThread.h"
 #include "programs/ventolith/HeadlessCommands.h"
 #include "programs/ventolith/HeadlessReport.h"
+#include "programs/ventolith/LastWords.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/posix/stream_descriptor.hpp>
 #include <boost/asio/read_until.hpp>
 #include <boost/asio/signal_set.hpp>
-#include <boost/asio/streambuf.hpp>
 #include <fmt/format.h>
 
+#include <fcntl.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <istream>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace ventolith::programs {
 
@@ -30,12 +29,31 @@ namespace {
 
 namespace asio = boost::asio;
 
-constexpr std::chrono::milliseconds lastWords{500}; // For the message that asks the fans back.
-constexpr std::size_t longestLine = 4096;           // Bytes.
+constexpr std::size_t longestLine = 4096; // Bytes.
 
+/// A reader that has gone, or is in no hurry, loses lines; nothing else.
 void writeLine(const std::string& line) {
-  fmt::print(stdout, "{}\n", line);
+  std::fputs((line + '\n').c_str(), stdout);
   std::fflush(stdout);
+}
+
+/// Standard input with a mode of its own: it is read without waiting, which the shell and whoever else has it
+/// must not notice.
+int ownStandardInput() {
+  const int own = ::open("/proc/self/fd/0", O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  return own >= 0 ? own : ::dup(STDIN_FILENO);
+}
+
+bool isIgnored(int signal) {
+  struct sigaction action = {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+std::string withoutBlanks(std::string text) {
+  constexpr const char* blanks = " \t\r\n";
+  text.erase(text.find_last_not_of(blanks) + 1);
+  text.erase(0, text.find_first_not_of(blanks));
+  return text;
 }
 
 class Headless {
@@ -44,14 +62,12 @@ public:
       : engine_(engineRuns == EngineRuns::onItsOwnThread ? std::make_unique<EngineThread>() : nullptr),
         application_(executors(), environment) {}
 
-  void run() {
+  [[noreturn]] void run() {
     if (engine_) engine_->start();
     writeLine("machine: " + application_.machineName());
     application_.lifecycle().join(application_.model());
     report_.emplace(context_.get_executor(), *application_.model(), writeLine);
-    signals_.async_wait([this](const boost::system::error_code& error, int) {
-      if (!error) context_.stop();
-    });
+    awaitSignals();
     readCommands();
     context_.run();
     end();
@@ -65,43 +81,61 @@ private:
             .engineClock = engine_ ? engine_->clock() : clock_};
   }
 
-  /// Of an input that cannot be waited for, as a file cannot, nothing is read.
-  void readCommands() {
-    asio::async_read_until(in_, buffer_, '\n', [this](const boost::system::error_code& error, std::size_t) {
-      if (error) return;
-      std::istream stream(&buffer_);
-      std::string line;
-      std::getline(stream, line);
-      obey(line);
-      readCommands();
+  void awaitSignals() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+      if (!isIgnored(signal)) signals_.add(signal);
+    }
+    signals_.async_wait([this](const boost::system::error_code& error, int) {
+      if (!error) context_.stop();
     });
   }
 
+  void readCommands() {
+    asio::async_read_until(in_, asio::dynamic_buffer(read_, longestLine), '\n',
+                           [this](const boost::system::error_code& error, std::size_t length) {
+                             if (error == asio::error::not_found) return skipLongLine();
+                             if (error == asio::error::eof) return obey(std::exchange(read_, {}));
+                             if (error) return;
+                             const std::string line = read_.substr(0, length);
+                             read_.erase(0, length);
+                             obey(line);
+                             readCommands();
+                           });
+  }
+
+  void skipLongLine() {
+    writeLine(fmt::format("error: a line has more than {} bytes", longestLine));
+    read_.clear();
+    readCommands();
+  }
+
   void obey(const std::string& line) {
-    if (line == "quit") return context_.stop();
-    if (line == "help") return writeLine(headlessCommandHelp);
+    const std::string command = withoutBlanks(line);
+    if (command == "quit") return context_.stop();
+    if (command == "help") return writeLine(headlessCommandHelp);
     try {
-      runHeadlessCommand({context_.get_executor(), *application_.model()}, line);
+      runHeadlessCommand({context_.get_executor(), *application_.model()}, command);
     } catch (const CommandLineError& error) {
       writeLine(fmt::format("error: {}", error.what()));
     }
   }
 
-  void end() {
+  /// A second signal ends the process at once.
+  [[noreturn]] void end() {
     report_.reset();
-    signals_.cancel();
+    signals_.clear();
     in_.close();
     application_.terminate();
     context_.restart();
     context_.run_for(lastWords);
-    if (engine_) engine_->end();
+    endProcess(!engine_ || engine_->end(longestEngineEnd));
   }
 
   asio::io_context context_{1};
   platform::SystemClock clock_{context_.get_executor()};
-  asio::signal_set signals_{context_, SIGINT, SIGTERM, SIGHUP};
-  asio::posix::stream_descriptor in_{context_, ::dup(STDIN_FILENO)};
-  asio::streambuf buffer_{longestLine};
+  asio::signal_set signals_{context_};
+  asio::posix::stream_descriptor in_{context_, ownStandardInput()};
+  std::string read_;                     // Of the line that is being read, and beyond.
   std::unique_ptr<EngineThread> engine_; // None when it shares this one.
   Application application_;
   std::optional<HeadlessReport> report_;
@@ -112,8 +146,7 @@ private:
 void runHeadless(const Environment& environment, EngineRuns engineRuns) {
   std::signal(SIGPIPE, SIG_IGN); // A reader that went away is a write that fails, and no sudden end.
   Headless application(environment, engineRuns);
-  application.run();
-  std::exit(EXIT_SUCCESS); // Takes nothing down in which work that was given up may still wait.
+  application.run(); // Takes nothing down in which work that was given up may still wait.
 }
 
 } // namespace ventolith::programs

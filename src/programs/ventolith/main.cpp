@@ -3,8 +3,12 @@
 #include "platform/system/SystemClock.h"
 #include "programs/common/MachineSelection.h"
 #include "programs/ventolith/HeadlessRun.h"
+#include "programs/ventolith/WindowRun.h"
 
 #include <boost/asio/io_context.hpp>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -36,9 +40,17 @@ bool has(const std::vector<std::string_view>& words, std::string_view word) {
   return std::ranges::find(words, word) != words.end();
 }
 
+/// A descriptor that is opened later must not take the place of a stream that is closed.
+void openClosedStreams() {
+  for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream) {
+    if (::fcntl(stream, F_GETFD) < 0) static_cast<void>(::open("/dev/null", O_RDWR));
+  }
+}
+
 } // namespace
 
 int main(int argumentCount, char** arguments) {
+  openClosedStreams();
   const std::vector<std::string_view> words(arguments, arguments + argumentCount);
   try {
     if (app::wantsSelfTest(words)) return selfTestPasses() ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -47,12 +59,9 @@ int main(int argumentCount, char** arguments) {
                                                               ? programs::EngineRuns::onItsOwnThread
                                                               : programs::EngineRuns::onTheMainThread);
     }
+    programs::runWindow(argumentCount, arguments, programs::processEnvironment);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "ventolith: %s\n", error.what());
     return EXIT_FAILURE;
   }
-  std::fputs(
-      "ventolith: this build has no window; --headless runs without one, --selftest looks at the machine\n",
-      stderr);
-  return EXIT_FAILURE;
 }

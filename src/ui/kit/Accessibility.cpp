@@ -27,7 +27,7 @@ public:
     return QAccessibleWidget::interface_cast(type);
   }
 
-  QStringList actionNames() const override {
+  [[nodiscard]] QStringList actionNames() const override {
     QStringList names = QAccessibleWidget::actionNames();
     if (widget()->isEnabled()) names << increaseAction() << decreaseAction();
     return names;
@@ -51,19 +51,21 @@ public:
   explicit SliderAccessible(Slider& slider)
       : ValueAccessible(&slider, QAccessible::Slider), slider_(slider) {}
 
-  QString text(QAccessible::Text type) const override {
+  [[nodiscard]] QString text(QAccessible::Text type) const override {
     if (type != QAccessible::Value) return QAccessibleWidget::text(type);
     return slider_.spokenText().isEmpty() ? QLocale().toString(currentNumber(), 'g', 6)
                                           : slider_.spokenText();
   }
 
-  QVariant currentValue() const override {
+  [[nodiscard]] QVariant currentValue() const override {
     if (!isPercent()) return slider_.value();
     return std::round(slider_.geometryOf().fraction(slider_.value()) * whole);
   }
-  QVariant minimumValue() const override { return isPercent() ? 0.0 : slider_.range().minimum; }
-  QVariant maximumValue() const override { return isPercent() ? whole : slider_.range().maximum; }
-  QVariant minimumStepSize() const override { return isPercent() ? 1.0 : slider_.keyStep(); }
+  [[nodiscard]] QVariant minimumValue() const override { return isPercent() ? 0.0 : slider_.range().minimum; }
+  [[nodiscard]] QVariant maximumValue() const override {
+    return isPercent() ? whole : slider_.range().maximum;
+  }
+  [[nodiscard]] QVariant minimumStepSize() const override { return isPercent() ? 1.0 : slider_.keyStep(); }
   void setCurrentValue(const QVariant& value) override {
     const double number = value.toDouble();
     slider_.slideTo(isPercent() ? slider_.range().minimum + number / whole * slider_.range().span() : number);
@@ -80,14 +82,14 @@ public:
   explicit StepperAccessible(Stepper& stepper)
       : ValueAccessible(&stepper, QAccessible::SpinBox), stepper_(stepper) {}
 
-  QString text(QAccessible::Text type) const override {
+  [[nodiscard]] QString text(QAccessible::Text type) const override {
     return type == QAccessible::Value ? stepper_.label() : QAccessibleWidget::text(type);
   }
 
-  QVariant currentValue() const override { return stepper_.value(); }
-  QVariant minimumValue() const override { return stepper_.range().minimum; }
-  QVariant maximumValue() const override { return stepper_.range().maximum; }
-  QVariant minimumStepSize() const override { return stepper_.range().step; }
+  [[nodiscard]] QVariant currentValue() const override { return stepper_.value(); }
+  [[nodiscard]] QVariant minimumValue() const override { return stepper_.range().minimum; }
+  [[nodiscard]] QVariant maximumValue() const override { return stepper_.range().maximum; }
+  [[nodiscard]] QVariant minimumStepSize() const override { return stepper_.range().step; }
   void setCurrentValue(const QVariant& value) override { stepper_.want(value.toDouble()); }
 
 private:
@@ -100,14 +102,14 @@ public:
   MenuButtonAccessible(MenuButton& button, QAccessible::Role role)
       : QAccessibleWidget(&button, role), button_(button) {}
 
-  QString text(QAccessible::Text type) const override {
+  [[nodiscard]] QString text(QAccessible::Text type) const override {
     const QString given = button_.accessibleName();
     if (type == QAccessible::Name) return given.isEmpty() && !isPicker() ? button_.title() : given;
     if (type == QAccessible::Value) return given.isEmpty() && !isPicker() ? QString() : button_.title();
     return QAccessibleWidget::text(type);
   }
 
-  QAccessible::State state() const override {
+  [[nodiscard]] QAccessible::State state() const override {
     QAccessible::State state = QAccessibleWidget::state();
     state.hasPopup = true;
     state.expandable = true;
@@ -116,7 +118,7 @@ public:
     return state;
   }
 
-  QStringList actionNames() const override {
+  [[nodiscard]] QStringList actionNames() const override {
     QStringList names;
     if (button_.isEnabled()) names << showMenuAction() << pressAction();
     return names << QAccessibleWidget::actionNames();

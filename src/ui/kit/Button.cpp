@@ -204,8 +204,9 @@ void Button::paintContent(QPainter& painter) const {
   const TextLine line = TextLine(title_, metrics_.text).elided(std::max(room, 0.0));
   const double all = symbolWidth() + line.width() + trailingWidth();
   const bool isApart = trailing_ && trailing_->isApart;
-  double x = isApart ? metrics_.leading
-                     : metrics_.leading + (width() - metrics_.leading - metrics_.trailing - all) / 2.0;
+  const bool isLeading = isApart || kind_ == ButtonKind::borderless; // A shortened title of those, too.
+  double x = isLeading ? metrics_.leading
+                       : metrics_.leading + (width() - metrics_.leading - metrics_.trailing - all) / 2.0;
   const auto placed = [&](double left, double wide, double high) {
     return flipped(QRectF(left, (height() - high) / 2.0, wide, high), width(), layoutDirection());
   };

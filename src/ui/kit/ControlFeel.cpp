@@ -25,7 +25,7 @@ ControlFeel::ControlFeel(const Theme& theme, QWidget& control, std::function<Rin
 }
 
 ControlFeel::~ControlFeel() {
-  endRing();
+  delete ring_.data();
 }
 
 void ControlFeel::setPressed(bool isPressed) {
@@ -91,7 +91,8 @@ void ControlFeel::settleRing() {
 }
 
 void ControlFeel::endRing() {
-  delete ring_.data();
+  if (ring_ != nullptr) ring_->retire();
+  ring_ = nullptr;
 }
 
 void paintFaded(QPainter& painter, const QRect& rect, double opacity,

@@ -35,6 +35,13 @@ void FocusRing::setShape(RingShape shape) {
   place();
 }
 
+void FocusRing::retire() {
+  detach();
+  hide();
+  setParent(nullptr);
+  deleteLater();
+}
+
 void FocusRing::attach() {
   detach();
   QWidget* widget = &control_;

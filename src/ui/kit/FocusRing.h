@@ -28,6 +28,10 @@ public:
 
   void setShape(RingShape shape);
 
+  /// Is gone at once, and deleted when the parent is done with whatever it does to its children now: a ring
+  /// often ends because they are all being hidden.
+  void retire();
+
 protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;

@@ -36,6 +36,8 @@ MenuPanel::~MenuPanel() {
 }
 
 void MenuPanel::setRows(std::vector<MenuRow> rows) {
+  const MenuRow* const active = isVisible() ? rowOf(activeAction()) : nullptr;
+  const std::optional<QString> chosen = active != nullptr ? std::optional(active->title) : std::nullopt;
   for (QAction* action : std::exchange(actions_, {})) {
     removeAction(action);
     action->deleteLater(); // It may be the one that is being carried out.
@@ -47,6 +49,7 @@ void MenuPanel::setRows(std::vector<MenuRow> rows) {
   for (const MenuRow& row : rows_) {
     actions_.push_back(makeAction(row));
     addAction(actions_.back());
+    if (row.title == chosen) setActiveAction(actions_.back());
   }
 }
 

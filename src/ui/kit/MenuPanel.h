@@ -57,7 +57,8 @@ public:
   explicit MenuPanel(const Theme& theme, QWidget* parent = nullptr);
   ~MenuPanel() override;
 
-  /// Replaces all rows; an open menu shows them at once.
+  /// Replaces all rows; an open menu shows them at once, and the row of the same title is the chosen one
+  /// still.
   void setRows(std::vector<MenuRow> rows);
   [[nodiscard]] const std::vector<MenuRow>& rows() const { return rows_; }
   [[nodiscard]] const MenuRow* rowOf(const QAction* action) const;

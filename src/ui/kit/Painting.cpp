@@ -48,11 +48,13 @@ QPixmap shadowPicture(int corner, int reach, double radius, const QColor& color)
   painter.drawRoundedRect(QRectF(reach, reach, side - 2 * reach, side - 2 * reach), radius, radius);
   painter.end();
 
-  std::vector<float> opacity(static_cast<std::size_t>(side) * static_cast<std::size_t>(side));
+  const auto place = [side](int x, int y) {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(side) + static_cast<std::size_t>(x);
+  };
+  std::vector<float> opacity(place(0, side));
   for (int y = 0; y < side; ++y)
     for (int x = 0; x < side; ++x)
-      opacity[static_cast<std::size_t>(y * side + x)] =
-          static_cast<float>(shape.constScanLine(y)[x]) / 255.0F;
+      opacity[place(x, y)] = static_cast<float>(shape.constScanLine(y)[x]) / 255.0F;
   // Three boxes come close to the bell curve whose deviation is half the blur.
   for (int pass = 0; pass < 3; ++pass)
     for (const bool rows : {true, false})
@@ -61,8 +63,7 @@ QPixmap shadowPicture(int corner, int reach, double radius, const QColor& color)
   QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
   for (int y = 0; y < side; ++y)
     for (int x = 0; x < side; ++x)
-      picture.setPixelColor(
-          x, y, faded(color, static_cast<double>(opacity[static_cast<std::size_t>(y * side + x)])));
+      picture.setPixelColor(x, y, faded(color, static_cast<double>(opacity[place(x, y)])));
   return QPixmap::fromImage(picture);
 }
 

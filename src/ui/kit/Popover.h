@@ -43,10 +43,11 @@ protected:
   void hideEvent(QHideEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
 
 private:
-  void openAt(const QPoint& place);
+  [[nodiscard]] QPoint place() const;
   [[nodiscard]] int reach() const;
 
   const Theme& theme_;

@@ -26,7 +26,7 @@ ThumbGeometry ThumbGeometry::of(int track, int value, int maximum, int page) {
   const int share =
       static_cast<int>(static_cast<double>(track) * page / (static_cast<double>(maximum) + page));
   const int length = std::min(track, std::max(share, shortest));
-  const int top = static_cast<int>(static_cast<double>(track - length) * value / maximum + 0.5);
+  const int top = qRound(static_cast<double>(track - length) * value / maximum);
   return {top, length};
 }
 
@@ -121,8 +121,7 @@ void OverlayBar::mouseMoveEvent(QMouseEvent* event) {
 void OverlayBar::dragTo(double pointer) {
   const int room = height() - 2 * edge - thumb().length;
   if (room <= 0) return;
-  scroll_.setValue(
-      static_cast<int>(std::clamp((pointer - grip_) / room, 0.0, 1.0) * scroll_.maximum() + 0.5));
+  scroll_.setValue(qRound(std::clamp((pointer - grip_) / room, 0.0, 1.0) * scroll_.maximum()));
 }
 
 void OverlayBar::mouseReleaseEvent(QMouseEvent*) {

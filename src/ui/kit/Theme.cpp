@@ -21,17 +21,17 @@ Theme::Theme(std::unique_ptr<SymbolSource> symbols, QObject* parent)
 Theme::~Theme() = default;
 
 void Theme::setToolkitLook(SystemLook look) {
-  toolkit_ = std::move(look);
+  toolkit_ = look;
   settle();
 }
 
 void Theme::setDesktopLook(SystemLook look) {
-  desktop_ = std::move(look);
+  desktop_ = look;
   settle();
 }
 
 void Theme::force(SystemLook look) {
-  forced_ = std::move(look);
+  forced_ = look;
   settle();
 }
 

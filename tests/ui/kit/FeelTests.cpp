@@ -176,6 +176,21 @@ TEST(FocusRing, EndsWhenItsControlIsDisabledOrHidden) {
   EXPECT_EQ(ringIn(stage.window), nullptr);
 }
 
+TEST(FocusRing, EndsWhenAllAroundItIsHidden) {
+  Stage stage;
+  auto& button = stage.put<Button>(ButtonKind::bordered, ButtonSize::normal);
+  stage.put<Button>(ButtonKind::bordered, ButtonSize::normal);
+  stage.show();
+  button.setFocus(Qt::TabFocusReason);
+  const QPointer<FocusRing> ring = ringIn(stage.window);
+  ASSERT_NE(ring, nullptr);
+  stage.window.hide();
+  EXPECT_EQ(ringIn(stage.window), nullptr);
+  EXPECT_NE(ring, nullptr); // Qt goes through the window's children while it ends.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_EQ(ring, nullptr);
+}
+
 TEST(FocusRing, IsUnknownToAssistiveTechnology) {
   Stage stage;
   auto& button = stage.put<Button>(ButtonKind::bordered, ButtonSize::normal);

@@ -72,6 +72,13 @@ TEST_F(MenuButtonTest, DisabledItStaysClosed) {
   EXPECT_FALSE(button->isMenuOpen());
 }
 
+TEST_F(MenuButtonTest, RefreshedMenuKeepsTheRowThatIsChosen) {
+  button->openMenu();
+  menu().setActiveAction(menu().actionOf(3));
+  button->refreshMenu();
+  EXPECT_EQ(menu().activeAction(), menu().actionOf(3));
+}
+
 TEST_F(MenuButtonTest, WithoutRowsItStaysClosed) {
   button->setRows([] { return std::vector<MenuRow>(); });
   QTest::mousePress(button, Qt::LeftButton);

@@ -66,6 +66,20 @@ TEST_F(StepperTest, KeepsRoomForItsWidestLabel) {
   EXPECT_EQ(stepper->sizeHint(), before);
 }
 
+TEST_F(StepperTest, KeepsItsLabelAtTheLeadingEdgeOfItsRoom) {
+  const auto isInked = [&](int left) {
+    const QImage picture = stepper->grab().toImage();
+    for (int x = left; x < left + 8; ++x)
+      for (int y = 0; y < picture.height(); ++y)
+        if (picture.pixel(x, y) != picture.pixel(0, 0)) return true;
+    return false;
+  };
+  stepper->setWidestLabel(QStringLiteral("10000%"));
+  stepper->resize(stepper->sizeHint());
+  EXPECT_TRUE(isInked(0));
+  EXPECT_FALSE(isInked(stepper->width() - Stepper::arrowsWidth - Stepper::gap - 10));
+}
+
 TEST_F(StepperTest, ArrowsAskForTheNextValue) {
   QTest::mouseClick(stepper, Qt::LeftButton, {}, stepper->arrow(1).center());
   QTest::mouseClick(stepper, Qt::LeftButton, {}, stepper->arrow(-1).center());

@@ -152,5 +152,12 @@ TEST_F(CurveDrag, KeysSayWhenALimitStopsThem) {
   EXPECT_FALSE(editing.nudgeSelectedPoint(Nudge::faster));
 }
 
+TEST_F(CurveDrag, APointIsSelectedByItsPlaceIfThereIsOne) {
+  editing.selectPoint(2);
+  EXPECT_EQ(editing.selectedPlace(), 2U);
+  editing.selectPoint(4);
+  EXPECT_EQ(editing.selectedPlace(), 2U);
+}
+
 } // namespace
 } // namespace ventolith::ui

@@ -34,7 +34,9 @@ struct CurlMulti::Watch {
     // curl closes its sockets by itself. Asio would then have to forget a number that may name something else
     // by now, so it is given one of its own. Without one the transfer stands until its limit of time.
     const int number = ::fcntl(watched, F_DUPFD_CLOEXEC, 0);
-    if (number >= 0) descriptor.assign(number);
+    boost::system::error_code refused;
+    if (number >= 0) descriptor.assign(number, refused);
+    if (refused) ::close(number);
   }
   Watch(const Watch&) = delete;
   Watch& operator=(const Watch&) = delete;

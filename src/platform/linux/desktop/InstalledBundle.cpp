@@ -27,6 +27,7 @@ InstalledBundle::InstalledBundle(runtime::FileLayer& files, const fs::path& prop
 fs::path InstalledBundle::propertyListBesideProgram() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
+  if (error) return {};
   return (program.parent_path() / "../share/ventolith/Info.plist").lexically_normal();
 }
 

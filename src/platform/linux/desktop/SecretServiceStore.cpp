@@ -140,7 +140,7 @@ public:
     auto* const first = static_cast<SecretItem*>(items->data);
     if (secret_item_get_locked(first) != FALSE) fail(Status::locked);
     const Value value(secret_item_get_secret(first));
-    if (!value) fail(Status::noCollection);
+    if (!value) throw app::ConfigurationCacheError(app::ConfigurationCacheError::Plain::corruptRecord);
     gsize length = 0;
     const gchar* const text = secret_value_get(value.get(), &length);
     return std::string(text, length);

@@ -10,7 +10,9 @@
 #include <systemd/sd-bus.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <poll.h>
 #include <unistd.h>
 #include <utility>
@@ -52,20 +54,49 @@ struct SlotEnd {
 };
 using Slot = std::unique_ptr<sd_bus_slot, SlotEnd>;
 
-/// The binding forgets a connection at an address of its own that it cannot open, and leaks it. So such an
-/// address is tried first.
-bool canBeOpened(const std::string& address) {
+constexpr std::chrono::seconds longestWelcome{1};
+
+struct BusEnd {
+  void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }
+};
+using TrialBus = std::unique_ptr<sd_bus, BusEnd>;
+
+TrialBus startTrial(const std::optional<std::string>& address) {
   sd_bus* bus = nullptr;
-  if (sd_bus_new(&bus) < 0) return false;
-  const bool isOpened = sd_bus_set_address(bus, address.c_str()) >= 0 && sd_bus_start(bus) >= 0;
-  sd_bus_close_unref(bus);
-  return isOpened;
+  if (!address) return TrialBus(sd_bus_open_system(&bus) >= 0 ? bus : nullptr);
+  if (sd_bus_new(&bus) < 0) return nullptr;
+  TrialBus trial(bus);
+  constexpr int saysHello = 1;
+  const bool isStarted = sd_bus_set_address(bus, address->c_str()) >= 0 &&
+                         sd_bus_set_bus_client(bus, saysHello) >= 0 && sd_bus_start(bus) >= 0;
+  return isStarted ? std::move(trial) : nullptr;
+}
+
+/// The binding waits for a bus that takes connections and says nothing, minutes long; and it forgets a
+/// connection that it cannot open, and leaks it. So each bus is tried first.
+bool isWelcoming(const std::optional<std::string>& address) {
+  const TrialBus trial = startTrial(address);
+  const auto deadline = std::chrono::steady_clock::now() + longestWelcome;
+  while (trial) {
+    if (sd_bus_is_ready(trial.get()) > 0) return true;
+    const int processed = sd_bus_process(trial.get(), nullptr);
+    if (processed < 0) return false;
+    if (processed > 0) continue;
+    const auto left =
+        std::chrono::duration_cast<std::chrono::microseconds>(deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return false;
+    if (sd_bus_wait(trial.get(), static_cast<std::uint64_t>(left.count())) < 0) return false;
+  }
+  return false;
 }
 
 std::unique_ptr<sdbus::IConnection> connectionTo(const std::optional<std::string>& address) {
-  if (!address) return sdbus::createSystemBusConnection();
-  if (!canBeOpened(*address)) throw sdbus::Error(SD_BUS_ERROR_NO_SERVER, "Nobody listens at " + *address);
-  return sdbus::createSessionBusConnectionWithAddress(*address);
+  if (!isWelcoming(address)) {
+    const std::string where = address ? "at " + *address : "on the system's bus";
+    throw sdbus::Error(SD_BUS_ERROR_NO_SERVER, "Nobody listens " + where);
+  }
+  return address ? sdbus::createSessionBusConnectionWithAddress(*address)
+                 : sdbus::createSystemBusConnection();
 }
 
 BusFailure failureOf(int error) {
@@ -135,6 +166,8 @@ BusResult<std::shared_ptr<BusConnection>> BusConnection::open(const runtime::Exe
     return opened;
   } catch (const sdbus::Error& error) {
     return BusFailure{error.getName(), error.getMessage()};
+  } catch (const boost::system::system_error& error) { // No descriptor is left to watch it by.
+    return BusFailure{"org.freedesktop.DBus.Error.Failed", error.what()};
   }
 }
 

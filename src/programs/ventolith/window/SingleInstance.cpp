@@ -1,0 +1,48 @@
+#include "programs/ventolith/window/SingleInstance.h"
+
+#include <QLocalSocket>
+#include <QStandardPaths>
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace ventolith::programs {
+
+namespace {
+
+constexpr int answerTime = 1000; // Milliseconds.
+
+} // namespace
+
+QString instanceAddress() {
+  QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+  if (folder.isEmpty()) folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
+  return QStringLiteral("%1/ventolith-%2").arg(folder).arg(::getuid());
+}
+
+SingleInstance::SingleInstance(QString address) : address_(std::move(address)) {
+  server_.setSocketOptions(QLocalServer::UserAccessOption);
+  connect(&server_, &QLocalServer::newConnection, this, &SingleInstance::greet);
+}
+
+bool SingleInstance::claim() {
+  if (tellTheOther()) return false;
+  server_.listen(address_); // In the place of what one that was killed has left behind.
+  return true;
+}
+
+bool SingleInstance::tellTheOther() const {
+  QLocalSocket socket;
+  socket.connectToServer(address_);
+  return socket.waitForConnected(answerTime);
+}
+
+/// To connect is all that there is to say.
+void SingleInstance::greet() {
+  while (QLocalSocket* const caller = server_.nextPendingConnection())
+    caller->deleteLater();
+  Q_EMIT startedAgain();
+}
+
+} // namespace ventolith::programs

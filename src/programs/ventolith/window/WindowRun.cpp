@@ -1,0 +1,128 @@
+#include "programs/ventolith/WindowRun.h"
+
+#include "platform/system/SystemClock.h"
+#include "platform/system/desktop/InstalledBundle.h"
+#include "programs/ventolith/Application.h"
+#include "programs/ventolith/EngineThread.h"
+#include "programs/ventolith/LastWords.h"
+#include "programs/ventolith/window/ProcessSignals.h"
+#include "programs/ventolith/window/QtContext.h"
+#include "programs/ventolith/window/QtWait.h"
+#include "programs/ventolith/window/SingleInstance.h"
+#include "ui/DashboardWindow.h"
+#include "ui/MenuBarExtra.h"
+#include "ui/ModelWatch.h"
+#include "ui/kit/FollowsPortal.h"
+#include "ui/kit/FollowsQt.h"
+#include "ui/kit/Theme.h"
+#include "ui/kit/Type.h"
+
+#include <QApplication>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+namespace ventolith::programs {
+
+namespace {
+
+QString resourceFolder() {
+  return QString::fromStdString(
+      platform::InstalledBundle::propertyListBesideProgram().parent_path().string());
+}
+
+/// What is seen, and the application below it. Its members go in no order: the process ends with them.
+class Window {
+public:
+  explicit Window(const Environment& environment)
+      : application_({.main = context_.executor(),
+                      .mainClock = clock_,
+                      .engine = engine_.executor(),
+                      .engineClock = engine_.clock()},
+                     environment),
+        watch_(std::make_unique<ui::ModelWatch>(*application_.model())),
+        views_{.model = *application_.model(),
+               .watch = *watch_,
+               .theme = theme_,
+               .bundle = application_.bundle(),
+               .mainExecutor = context_.executor(),
+               .clock = clock_,
+               .hasSupportPage = application_.hasSupportPage(),
+               .openDashboard = [this] { window_->open(); },
+               .quit = [] { QCoreApplication::quit(); },
+               .resourceFolder = resourceFolder()},
+        window_(std::make_unique<ui::DashboardWindow>(views_)),
+        extra_(std::make_unique<ui::MenuBarExtra>(views_)) {}
+
+  [[noreturn]] void run(ProcessSignals& signals, SingleInstance& instance) {
+    QObject::connect(&signals, &ProcessSignals::asked, qApp, &QCoreApplication::quit);
+    QObject::connect(&instance, &SingleInstance::startedAgain, window_.get(), &ui::DashboardWindow::open);
+    signals.listen();
+    engine_.start();
+    extra_->show();
+    application_.lifecycle().join(application_.model());
+    showWindow();
+    QCoreApplication::exec();
+    end();
+  }
+
+private:
+  /// Where there is no tray the window stands in for it, and the application ends with it.
+  void showWindow() {
+    if (!extra_->isInTray())
+      QObject::connect(window_.get(), &ui::DashboardWindow::closed, qApp, &QCoreApplication::quit);
+    const bool isFirstLaunch = application_.lifecycle().takeFirstLaunch();
+    if (isFirstLaunch || !extra_->isInTray()) window_->open();
+  }
+
+  [[noreturn]] void end() {
+    extra_.reset();
+    window_.reset();
+    watch_.reset();
+    application_.terminate();
+    context_.runOut(lastWords);
+    endProcess(engine_.end(longestEngineEnd));
+  }
+
+  QtContext context_;
+  platform::SystemClock clock_{waitInQt()};
+  EngineThread engine_;
+  ui::Theme theme_;
+  ui::FollowsQt followsQt_{theme_};
+  ui::FollowsPortal followsPortal_{theme_};
+  Application application_;
+  std::unique_ptr<ui::ModelWatch> watch_;
+  ui::ViewContext views_;
+  std::unique_ptr<ui::DashboardWindow> window_;
+  std::unique_ptr<ui::MenuBarExtra> extra_;
+};
+
+/// Qt would end the process by a signal.
+void requireDisplay(const Environment& environment) {
+  for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    if (!environment(variable).value_or("").empty()) return;
+  }
+  throw std::runtime_error(
+      "there is no display for the window; --headless runs without one, --selftest looks "
+      "at the machine");
+}
+
+} // namespace
+
+void runWindow(int argumentCount, char** arguments, const Environment& environment) {
+  requireDisplay(environment);
+  std::signal(SIGPIPE, SIG_IGN); // A reader that went away is a write that fails, and no sudden end.
+  ProcessSignals signals;
+  QApplication qt(argumentCount, arguments);
+  QApplication::setApplicationName(QStringLiteral("Ventolith"));
+  QApplication::setQuitOnLastWindowClosed(false);
+  ui::applyRequestedFont();
+  SingleInstance instance;
+  if (!instance.claim()) std::exit(EXIT_SUCCESS);
+  Window window(environment);
+  window.run(signals, instance); // Takes nothing down in which work that was given up may still wait.
+}
+
+} // namespace ventolith::programs

@@ -1,0 +1,33 @@
+// The small picture on a preset's card.
+#pragma once
+
+#include "ui/state/PresetAppearance.h"
+
+#include <QWidget>
+
+namespace ventolith::ui {
+
+class Theme;
+
+/// A plate of 120 by 44 with the curve of a preset's first fan, or with a word where that has none.
+class CurveThumbnail final : public QWidget {
+  Q_OBJECT
+
+public:
+  explicit CurveThumbnail(const Theme& theme, QWidget* parent = nullptr);
+
+  void setContent(const PresetThumbnail& content);
+  [[nodiscard]] const PresetThumbnail& content() const { return content_; }
+
+protected:
+  void paintEvent(QPaintEvent* event) override;
+
+private:
+  void paintCurve(QPainter& painter) const;
+  void paintWord(QPainter& painter) const;
+
+  const Theme& theme_;
+  PresetThumbnail content_;
+};
+
+} // namespace ventolith::ui

@@ -1,0 +1,103 @@
+#include "ui/MenuBarExtra.h"
+
+#include "ui/MenuBarView.h"
+#include "ui/kit/Anchoring.h"
+#include "ui/kit/Popover.h"
+#include "ui/state/AboutContent.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace ventolith::ui {
+
+namespace {
+
+/// The height that a panel has beside `anchor`: below it or above it, wherever there is more.
+int roomBeside(const QRect& anchor) {
+  const QScreen* found = QGuiApplication::screenAt(anchor.center());
+  const QRect screen = (found != nullptr ? found : QGuiApplication::primaryScreen())->availableGeometry();
+  const int above = anchor.top() - screen.top();
+  const int below = screen.bottom() - anchor.bottom();
+  return std::max(above, below) - belowAnchor;
+}
+
+/// A press on the label closes an open panel before the label hears of it: it is not to open it again.
+constexpr auto samePress = std::chrono::milliseconds(200);
+
+LabelShape shapeOfArea() {
+  return QGuiApplication::platformName() == QLatin1String("cocoa") ? LabelShape::row : LabelShape::square;
+}
+
+} // namespace
+
+MenuBarExtra::MenuBarExtra(const ViewContext& context, QObject* parent)
+    : QObject(parent), context_(context), label_(context, shapeOfArea()) {
+  connect(&label_, &MenuBarLabel::changed, this, &MenuBarExtra::presentLabel);
+  connect(&tray_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+    const bool isPress = reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context;
+    if (isPress) toggle();
+  });
+  connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+    if (state != Qt::ApplicationActive) close();
+  });
+  presentLabel();
+}
+
+MenuBarExtra::~MenuBarExtra() = default;
+
+void MenuBarExtra::presentLabel() {
+  const QString name = applicationName(context_.bundle);
+  const QString text = label_.text();
+  tray_.setIcon(label_.picture());
+  tray_.setToolTip(text.isEmpty() ? name : tr("%1: %2").arg(name, text));
+}
+
+void MenuBarExtra::show() {
+  tray_.show();
+}
+
+bool MenuBarExtra::isInTray() const {
+  return tray_.isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+bool MenuBarExtra::isOpen() const {
+  return popover_ && popover_->isVisible();
+}
+
+void MenuBarExtra::toggle() {
+  if (isOpen()) return close();
+  if (closed_ && context_.clock.now() - *closed_ < samePress) return;
+  open();
+}
+
+void MenuBarExtra::makePanel() {
+  popover_ = std::make_unique<Popover>(context_.theme, nullptr);
+  popover_->setWindowTitle(applicationName(context_.bundle));
+  panel_ = new MenuBarView(context_);
+  popover_->setContent(panel_, 0);
+  connect(panel_, &MenuBarView::left, this, &MenuBarExtra::close);
+  connect(popover_.get(), &Popover::closed, this, [this] { closed_ = context_.clock.now(); });
+}
+
+void MenuBarExtra::open() {
+  if (!popover_) makePanel();
+  const QRect place = anchor();
+  panel_->setMaximumHeight(roomBeside(place));
+  panel_->catchUp();
+  popover_->openFrom(place);
+}
+
+void MenuBarExtra::close() {
+  if (popover_) popover_->close();
+}
+
+/// Many desktops do not tell where they show the label: the pointer that pressed it is there, or was last.
+QRect MenuBarExtra::anchor() const {
+  const QRect shown = tray_.geometry();
+  return shown.isValid() ? shown : QRect(QCursor::pos(), QSize(1, 1));
+}
+
+} // namespace ventolith::ui

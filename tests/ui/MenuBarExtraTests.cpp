@@ -1,0 +1,194 @@
+#include "ui/MenuBarExtra.h"
+
+#include "Finding.h"
+#include "ViewFixture.h"
+#include "ui/MenuBarView.h"
+#include "ui/kit/Popover.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <memory>
+
+namespace ventolith::ui {
+namespace {
+
+class MenuBarExtraTest : public ViewTest {
+protected:
+  ~MenuBarExtraTest() override { extra = nullptr; }
+
+  void show() {
+    begin();
+    extra = std::make_unique<MenuBarExtra>(*context);
+    extra->show();
+    turn();
+  }
+  void open() {
+    extra->toggle();
+    turn();
+  }
+  void showOpen() {
+    show();
+    open();
+  }
+  /// Later than any press that may have closed the panel.
+  void wait() { pass(1); }
+
+  static Popover* popover() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (auto* found = qobject_cast<Popover*>(window)) return found;
+    return nullptr;
+  }
+  static MenuBarView& panel() { return *popover()->findChild<MenuBarView*>(); }
+
+  std::unique_ptr<MenuBarExtra> extra;
+};
+
+TEST_F(MenuBarExtraTest, HasNoPanelBeforeItIsPressed) {
+  show();
+  EXPECT_FALSE(extra->isOpen());
+  EXPECT_EQ(popover(), nullptr);
+}
+
+TEST_F(MenuBarExtraTest, APressOpensThePanelAndAnotherClosesIt) {
+  showOpen();
+  EXPECT_TRUE(extra->isOpen());
+  EXPECT_TRUE(panel().isVisible());
+  extra->toggle();
+  EXPECT_FALSE(extra->isOpen());
+  wait();
+  open();
+  EXPECT_TRUE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, ThePressThatClosedThePanelDoesNotOpenItAgain) {
+  showOpen();
+  popover()->close(); // As the click outside of it does, before the label hears of the press.
+  extra->toggle();
+  EXPECT_FALSE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, EscapeCloses) {
+  showOpen();
+  QTest::keyClick(popover(), Qt::Key_Escape);
+  EXPECT_FALSE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, AClickOutsideCloses) {
+  showOpen();
+  QTest::mouseClick(popover(), Qt::LeftButton, {}, QPoint(-40, -40));
+  EXPECT_FALSE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, AClickInsideDoesNot) {
+  showOpen();
+  QTest::mouseClick(popover(), Qt::LeftButton, {}, popover()->panel().center());
+  EXPECT_TRUE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, AnotherProgramInFrontCloses) {
+  showOpen();
+  Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+  EXPECT_FALSE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, OpeningTheDashboardCloses) {
+  showOpen();
+  click(buttonIn(panel(), "Open Ventolith"));
+  EXPECT_FALSE(extra->isOpen());
+  EXPECT_EQ(dashboardsOpened, 1);
+}
+
+struct Corner {
+  const char* name;
+  double right;  // Of the screen's width.
+  double bottom; // Of its height.
+};
+
+class MenuBarExtraCornerTest : public MenuBarExtraTest, public testing::WithParamInterface<Corner> {
+protected:
+  MenuBarExtraCornerTest() {
+    QCursor::setPos(screen().left() + static_cast<int>(GetParam().right * (screen().width() - 1)),
+                    screen().top() + static_cast<int>(GetParam().bottom * (screen().height() - 1)));
+  }
+
+  static QRect screen() { return QGuiApplication::primaryScreen()->availableGeometry(); }
+  static QRect onScreen() { return popover()->panel().translated(popover()->pos()); }
+};
+
+TEST_P(MenuBarExtraCornerTest, ThePanelLiesOnTheScreenBesideThePointer) {
+  showOpen();
+  EXPECT_TRUE(screen().contains(onScreen()));
+  EXPECT_FALSE(onScreen().contains(QCursor::pos()));
+  EXPECT_EQ(onScreen().size(), QSize(320, panel().sizeHint().height()));
+}
+
+TEST_P(MenuBarExtraCornerTest, ManyFansMakeItNoHigherThanTheScreen) {
+  readings.next.fans.clear();
+  for (int id = 0; id < 30; ++id)
+    readings.next.fans.push_back(app::fan(id));
+  showOpen();
+  EXPECT_TRUE(screen().contains(onScreen()));
+}
+
+TEST_P(MenuBarExtraCornerTest, APanelThatGrowsStaysBesideThePointer) {
+  readings.next.temps.clear();
+  showOpen();
+  const int before = onScreen().height();
+  read(app::snapshot({app::fan(0), app::fan(1)}, {support::sensor("A", 50)}));
+  EXPECT_GT(onScreen().height(), before);
+  EXPECT_TRUE(screen().contains(onScreen()));
+  EXPECT_FALSE(onScreen().contains(QCursor::pos()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Corners, MenuBarExtraCornerTest,
+                         testing::Values(Corner{"AtTheTop", 0.95, 0}, Corner{"AtTheBottom", 0.95, 1},
+                                         Corner{"AtTheFarTop", 0, 0}),
+                         [](const auto& info) { return info.param.name; });
+
+TEST_F(MenuBarExtraTest, AClosedPanelTakesNothingUp) {
+  showOpen();
+  extra->toggle();
+  readings.next.fans[0].currentRPM = 4321;
+  read(readings.next);
+  EXPECT_FALSE(shows(panel(), "4321 rpm"));
+  open();
+  EXPECT_TRUE(shows(panel(), "4321 rpm"));
+}
+
+TEST_F(MenuBarExtraTest, ItsToolTipSaysWhatTheLabelReads) {
+  readings.next = app::snapshot({{.id = 0, .name = "Fan", .currentRPM = 5921}}, {support::sensor("A", 82)});
+  show();
+  const auto& tray = extra->tray();
+  EXPECT_EQ(tray.toolTip().toStdString(), "Ventolith: 82° 5921rpm");
+  EXPECT_FALSE(tray.icon().isNull());
+}
+
+TEST_F(MenuBarExtraTest, TheLabelGetsANewPictureOnlyWhenItReadsDifferently) {
+  readings.next = app::snapshot({}, {support::sensor("A", 82.1)});
+  show();
+  const qint64 before = extra->tray().icon().cacheKey();
+  read(app::snapshot({}, {support::sensor("A", 82.2)}));
+  EXPECT_EQ(extra->tray().icon().cacheKey(), before);
+  read(app::snapshot({}, {support::sensor("A", 83.2)}));
+  EXPECT_NE(extra->tray().icon().cacheKey(), before);
+}
+
+TEST_F(MenuBarExtraTest, EitherButtonOfThePointerOpensThePanel) {
+  show();
+  for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::Context}) {
+    Q_EMIT extra->tray().activated(reason);
+    EXPECT_TRUE(extra->isOpen());
+    extra->toggle();
+    wait();
+  }
+}
+
+TEST_F(MenuBarExtraTest, WithoutAStatusAreaItSaysSo) {
+  show(); // This platform has none.
+  EXPECT_FALSE(extra->isInTray());
+}
+
+} // namespace
+} // namespace ventolith::ui
