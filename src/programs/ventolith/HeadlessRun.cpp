@@ -1,6 +1,8 @@
 #include "programs/ventolith/HeadlessRun.h"
 
+#include "app/platform-kit/TrimmedText.h"
 #include "platform/system/SystemClock.h"
+#include "programs/common/Signals.h"
 #include "programs/ventolith/Application.h"
 #include "programs/ventolith/EngineThread.h"
 #include "programs/ventolith/HeadlessCommands.h"
@@ -42,18 +44,6 @@ void writeLine(const std::string& line) {
 int ownStandardInput() {
   const int own = ::open("/proc/self/fd/0", O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   return own >= 0 ? own : ::dup(STDIN_FILENO);
-}
-
-bool isIgnored(int signal) {
-  struct sigaction action = {};
-  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
-
-std::string withoutBlanks(std::string text) {
-  constexpr const char* blanks = " \t\r\n";
-  text.erase(text.find_last_not_of(blanks) + 1);
-  text.erase(0, text.find_first_not_of(blanks));
-  return text;
 }
 
 class Headless {
@@ -110,7 +100,7 @@ private:
   }
 
   void obey(const std::string& line) {
-    const std::string command = withoutBlanks(line);
+    const std::string command(app::trimmed(line));
     if (command == "quit") return context_.stop();
     if (command == "help") return writeLine(headlessCommandHelp);
     try {

@@ -2,6 +2,7 @@
 #include "platform/system/SystemClock.h"
 #include "platform/system/service/SystemServices.h"
 #include "programs/common/MachineSelection.h"
+#include "programs/common/Signals.h"
 #include "programs/ventolithctl/CommandLine.h"
 
 #include <boost/asio/io_context.hpp>
@@ -18,11 +19,6 @@
 using namespace ventolith;
 
 namespace {
-
-bool isIgnored(int signal) {
-  struct sigaction action = {};
-  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
 
 /// None also where a variable is set to nothing.
 std::optional<std::string> variable(const char* name) {
@@ -83,7 +79,7 @@ int main(int argumentCount, char** arguments) {
     for (const int stopping : {SIGTSTP, SIGTTIN, SIGTTOU})
       std::signal(stopping, SIG_IGN);
   };
-  if (!isIgnored(SIGHUP)) signals.add(SIGHUP);
+  if (!programs::isIgnored(SIGHUP)) signals.add(SIGHUP);
   signals.async_wait([&](const boost::system::error_code& error, int) {
     if (error) return;
     stop.requestStop();

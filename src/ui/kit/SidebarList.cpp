@@ -20,7 +20,7 @@ public:
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override {
     list_.paintRow(*painter, option.rect, index.row());
   }
-  QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
+  [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override {
     return {iconSide, rowHeight + rowGap};
   }
 

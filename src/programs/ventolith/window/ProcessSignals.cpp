@@ -1,5 +1,7 @@
 #include "programs/ventolith/window/ProcessSignals.h"
 
+#include "programs/common/Signals.h"
+
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -10,11 +12,6 @@
 namespace ventolith::programs {
 
 namespace {
-
-bool isIgnored(int signal) {
-  struct sigaction action = {};
-  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
 
 /// A descriptor that tells of the signals, which are blocked in this thread and in those that it makes.
 int takeSignals() {
