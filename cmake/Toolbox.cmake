@@ -9,6 +9,10 @@ set_property(GLOBAL PROPERTY USE_FOLDERS ON)
 
 if(CMAKE_SYSTEM_NAME STREQUAL "Darwin")
   set(VENTOLITH_SYSTEM macos)
+  set(CMAKE_OBJCXX_STANDARD 20)
+  set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+  set(CMAKE_OBJCXX_EXTENSIONS OFF)
+  enable_language(OBJCXX)
 else()
   set(VENTOLITH_SYSTEM linux)
 endif()
@@ -19,6 +23,11 @@ target_compile_options(ventolith_flags INTERFACE
   -Woverloaded-virtual -Wimplicit-fallthrough -Werror
   -Wno-missing-field-initializers # Records are made by naming the fields that differ from their defaults.
   -Wno-deprecated-declarations)   # libstdc++ 12's own stable_sort calls what C++17 deprecates.
+if(VENTOLITH_SYSTEM STREQUAL "macos")
+  target_compile_options(ventolith_flags INTERFACE
+    -Wunguarded-availability # What the oldest macOS lacks is asked for before it is used.
+    $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
+endif()
 if(VENTOLITH_SANITIZERS)
   target_compile_options(ventolith_flags INTERFACE
     -fsanitize=${VENTOLITH_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -42,6 +51,7 @@ find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER
     ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE})
+  set(CMAKE_OBJCXX_COMPILER_LAUNCHER ${CMAKE_CXX_COMPILER_LAUNCHER})
 endif()
 
 # ventolith_library(NAME [QT] FOLDER <folder under src> [AS <folder>] SOURCES ... [LINKS ...])
@@ -77,6 +87,10 @@ function(ventolith_program name)
 endfunction()
 
 function(ventolith_precompile name uses_qt)
+  # Objective-C++ is another language to the compiler, whose precompiled header would be another one.
+  get_target_property(sources ${name} SOURCES)
+  list(FILTER sources INCLUDE REGEX "\\.mm$")
+  set_source_files_properties(${sources} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
   set(precompiled ventolith_precompiled)
   if(uses_qt)
     set(precompiled ventolith_precompiled_qt)

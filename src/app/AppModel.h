@@ -121,6 +121,8 @@ public:
   /// Sends nothing.
   void previewSliderRPM(const core::Fan& fan, double rpm);
   void commitManualRPM(const core::Fan& fan);
+  /// Ends a drag that the user could not end: the slider follows the plan again, and nothing is sent.
+  void abandonManualDrag(const core::Fan& fan);
   void setFanFullBlast(const core::Fan& fan);
   void setFanAutomatic(const core::Fan& fan);
   void activateFullBlast();

@@ -95,6 +95,10 @@ void AppModel::commitManualRPM(const Fan& fan) {
   setFanMode(fan.id, FanControlModePlan::fixedRPM(std::round(rpm)));
 }
 
+void AppModel::abandonManualDrag(const Fan& fan) {
+  letGoOfSlider(fan.id);
+}
+
 void AppModel::setFanFullBlast(const Fan& fan) {
   setFanMode(fan.id, FanControlModePlan::fixedPercent(100));
   setSlider(fan.id, static_cast<double>(fan.maxRPM));

@@ -38,8 +38,7 @@ AboutView::AboutView(const ViewContext& context, QWidget* parent)
   auto* content = new QWidget;
   content->setMinimumWidth(detailMinimumWidth);
   auto* column = new QVBoxLayout(content);
-  column->setContentsMargins(metrics::screenSides, metrics::screenTop, metrics::screenSides,
-                             metrics::screenBottom);
+  column->setContentsMargins(detailContentInsets());
   column->setSpacing(metrics::betweenCards);
   column->addWidget(makeIdentityCard());
   column->addWidget(update_, 0, Qt::AlignLeading);

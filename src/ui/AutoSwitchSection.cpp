@@ -16,7 +16,7 @@ namespace {
 
 constexpr int pickerWidth = 180;
 constexpr int switchRow = 24, pickerRow = 28; // Heights.
-constexpr int belowSwitch = 10, aroundDivider = 8, aboveHelp = 14, aboveCurrently = 3;
+constexpr int belowSwitch = 10, aroundDivider = 8, aboveHelp = 14, aboveCurrently = 4;
 constexpr int widestHelp = 580;
 
 void fill(AutoSwitchSection::PresetChoice& picker, const PresetPicker& content,

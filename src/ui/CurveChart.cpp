@@ -17,9 +17,12 @@ namespace ventolith::ui {
 
 namespace {
 
+/// With one of these a key is a command of the window or of the system.
+bool isCommand(const QKeyEvent& event) {
+  return bool(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+}
+
 std::optional<Nudge> nudgeOf(const QKeyEvent& event) {
-  constexpr auto foreign = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-  if (event.modifiers() & foreign) return std::nullopt;
   switch (event.key()) {
   case Qt::Key_Left: return Nudge::cooler;
   case Qt::Key_Right: return Nudge::warmer;
@@ -86,7 +89,7 @@ void CurveChart::takeMarks() {
 
 /// A new reading is gone to, unless there was none, or a hand on the curve moves the point itself.
 void CurveChart::takeLivePoint() {
-  const std::optional<ChartValue> before = std::exchange(marks_.live, editing_->livePoint());
+  const std::optional<ChartValue> before = std::exchange(marks_.live, editing_->liveDataPoint());
   marks_.liveLabel = marks_.live ? liveLabelText(*marks_.live) : QString();
   if (!marks_.live) return;
   if (before && !isPressed_)
@@ -149,6 +152,7 @@ void CurveChart::mousePressEvent(QMouseEvent* event) {
 }
 
 void CurveChart::mouseMoveEvent(QMouseEvent* event) {
+  if (isHeld() && !(event->buttons() & Qt::LeftButton)) endDrag(); // It was let go of where nobody told.
   if (isHeld())
     dragTo(event->position());
   else
@@ -167,7 +171,7 @@ void CurveChart::leaveEvent(QEvent* event) {
 }
 
 void CurveChart::dragTo(QPointF location) {
-  if (editing_->drag(location, chart())) take();
+  if (editing_->handleDrag(location, chart())) take();
   settleCursor(location);
 }
 
@@ -189,12 +193,14 @@ void CurveChart::settleCursor(QPointF location) {
 // The keyboard
 
 void CurveChart::keyPressEvent(QKeyEvent* event) {
-  if (editing_ == nullptr || isPressed_) return QWidget::keyPressEvent(event);
+  if (editing_ == nullptr || isPressed_ || isCommand(*event)) return QWidget::keyPressEvent(event);
   if (const auto direction = nudgeOf(*event)) return nudge(*direction);
   switch (event->key()) {
   case Qt::Key_Delete:
   case Qt::Key_Backspace: return deletePoint();
-  case Qt::Key_Plus: return addPoint();
+  case Qt::Key_Plus:
+    if (!event->isAutoRepeat()) addPoint(); // A key held down is no wish for many.
+    return;
   default: QWidget::keyPressEvent(event);
   }
 }

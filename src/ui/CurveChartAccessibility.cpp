@@ -98,13 +98,13 @@ public:
   [[nodiscard]] QVariant currentValue() const override {
     return isValid() ? pointsOf(*chart_)[place_].percent : 0.0;
   }
-  [[nodiscard]] QVariant minimumValue() const override { return curveSpeeds.lower; }
-  [[nodiscard]] QVariant maximumValue() const override { return curveSpeeds.upper; }
+  [[nodiscard]] QVariant minimumValue() const override { return yDomain.lower; }
+  [[nodiscard]] QVariant maximumValue() const override { return yDomain.upper; }
   [[nodiscard]] QVariant minimumStepSize() const override { return percentStep; }
   void setCurrentValue(const QVariant& value) override {
     if (!isValid()) return;
-    const double way = std::clamp(value.toDouble(), curveSpeeds.lower, curveSpeeds.upper) -
-                       pointsOf(*chart_)[place_].percent;
+    const double way =
+        std::clamp(value.toDouble(), yDomain.lower, yDomain.upper) - pointsOf(*chart_)[place_].percent;
     const auto steps = static_cast<int>(std::lround(std::abs(way) / percentStep));
     chart_->movePoint(place_, way > 0 ? Nudge::faster : Nudge::slower, steps);
   }

@@ -85,8 +85,8 @@ void paintAxisLabels(QPainter& painter, const ChartGeometry& chart, const Palett
   painter.restore();
 }
 
-void paintCurve(QPainter& painter, const ChartGeometry& chart, const Palette& palette,
-                const std::vector<ChartValue>& line) {
+void paintCurveLine(QPainter& painter, const ChartGeometry& chart, const Palette& palette,
+                    const std::vector<ChartValue>& line) {
   QPolygonF polygon;
   polygon.reserve(static_cast<qsizetype>(line.size()));
   for (const ChartValue& value : line)
@@ -108,7 +108,7 @@ QRectF safetyLabelRect(const ChartGeometry& chart) {
           static_cast<double>(label.height())};
 }
 
-void paintSafetyLine(QPainter& painter, const ChartGeometry& chart, const Palette& palette) {
+void paintSafetyCeiling(QPainter& painter, const ChartGeometry& chart, const Palette& palette) {
   const double width = strokeOnPixels(painter, metrics::safetyStroke);
   const double x = onPixels(painter, {chart.x(safetyCelsius) - width / 2, 0, width, 1}).center().x();
   QPen pen(palette.safetyLine, width, Qt::CustomDashLine, Qt::FlatCap);
@@ -125,6 +125,16 @@ void paintPoint(QPainter& painter, QPointF centre, double diameter, const QColor
   painter.drawEllipse(centre, diameter / 2, diameter / 2);
 }
 
+void paintSelectedPointHalo(QPainter& painter, QPointF centre, const Palette& palette) {
+  paintCircle(painter, centre, haloDiameter, palette.accentSoft);
+}
+
+void paintCurvePoints(QPainter& painter, const ChartGeometry& chart, const Palette& palette,
+                      const std::vector<ChartValue>& points) {
+  for (const ChartValue& point : points)
+    paintPoint(painter, chart.position(point), pointDiameter, palette.chartLine, palette.cardBackground);
+}
+
 /// Above the point, unless it would lie on the other label there: then below it. Right of the axis, where it
 /// hides no number.
 QRectF livePill(const ChartGeometry& chart, QPointF point, double textWidth, const QRectF& surface) {
@@ -136,8 +146,8 @@ QRectF livePill(const ChartGeometry& chart, QPointF point, double textWidth, con
   return pill;
 }
 
-void paintLivePoint(QPainter& painter, const ChartGeometry& chart, const QRectF& surface,
-                    const Palette& palette, ChartValue live, const QString& label) {
+void paintLiveOperatingPoint(QPainter& painter, const ChartGeometry& chart, const QRectF& surface,
+                             const Palette& palette, ChartValue live, const QString& label) {
   const QPointF centre = chart.position(live);
   paintPoint(painter, centre, liveDiameter, palette.success, palette.cardBackground);
   const TextLine line(label, TextRole::badge, Digits::equal);
@@ -167,15 +177,12 @@ void paintChartGround(QPainter& painter, const ChartGeometry& chart, const QRect
 void paintChartMarks(QPainter& painter, const ChartGeometry& chart, const QRectF& surface,
                      const Palette& palette, const CurveChartMarks& marks) {
   painter.setRenderHint(QPainter::Antialiasing);
-  paintCurve(painter, chart, palette, marks.line);
-  paintSafetyLine(painter, chart, palette);
-  if (marks.selected) {
-    paintCircle(painter, chart.position(*marks.selected), haloDiameter, palette.accentSoft);
-  }
-  for (const ChartValue& point : marks.points)
-    paintPoint(painter, chart.position(point), pointDiameter, palette.chartLine, palette.cardBackground);
+  paintCurveLine(painter, chart, palette, marks.line);
+  paintSafetyCeiling(painter, chart, palette);
+  if (marks.selected) paintSelectedPointHalo(painter, chart.position(*marks.selected), palette);
+  paintCurvePoints(painter, chart, palette, marks.points);
   if (const auto live = withinAxes(marks.live, chart)) {
-    paintLivePoint(painter, chart, surface, palette, *live, marks.liveLabel);
+    paintLiveOperatingPoint(painter, chart, surface, palette, *live, marks.liveLabel);
   }
 }
 

@@ -86,7 +86,7 @@ CurveControlsRow::CurveControlsRow(const Theme& theme, QWidget* parent)
 void CurveControlsRow::display(const core::SensorSnapshot& snapshot, const CurveEditing& editing) {
   fan_->setChoices(choicesOf(fanPicker(snapshot, editing.selectedFanID())));
   fan_->setChosen(editing.selectedFanID());
-  link_->setChecked(editing.isLinked());
+  link_->setChecked(editing.linked());
   ofFans_->setVisible(editing.showsFanChoice());
 
   const SensorID& followed = editing.editingCurve().sourceSensorID;

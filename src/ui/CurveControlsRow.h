@@ -25,7 +25,7 @@ public:
 
 Q_SIGNALS:
   void fanChosen(ventolith::core::FanID fan);
-  void linkChanged(bool isLinked);
+  void linkChanged(bool linked);
   void sensorChosen(const std::optional<std::string>& sensorID); // None is the hottest.
 
 private:

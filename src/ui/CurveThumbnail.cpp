@@ -17,7 +17,8 @@ constexpr int iconSide = 16, iconGap = 6;
 
 } // namespace
 
-CurveThumbnail::CurveThumbnail(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {
+CurveThumbnail::CurveThumbnail(const Theme& theme, QWidget* parent) : QLabel(parent), theme_(theme) {
+  setTextFormat(Qt::PlainText);
   setFixedSize(thumbnailWidth, thumbnailHeight);
   theme.repaints(this);
 }
@@ -25,7 +26,7 @@ CurveThumbnail::CurveThumbnail(const Theme& theme, QWidget* parent) : QWidget(pa
 void CurveThumbnail::setContent(const PresetThumbnail& content) {
   if (content == content_) return;
   content_ = content;
-  setAccessibleName(content.text);
+  setText(content.kind == PresetThumbnail::Kind::curve ? tr("Fan curve") : content.text);
   update();
 }
 
@@ -51,7 +52,8 @@ void CurveThumbnail::paintCurve(QPainter& painter) const {
 
 void CurveThumbnail::paintWord(QPainter& painter) const {
   const QColor color = theme_.palette().secondaryText;
-  const TextLine word(content_.text, TextRole::caption);
+  const double taken = content_.symbol.isEmpty() ? 0 : iconSide + iconGap;
+  const TextLine word = TextLine(content_.text, TextRole::caption).elided(width() - 2 * inset - taken);
   if (content_.symbol.isEmpty()) return word.paint(painter, rect(), color, Qt::AlignHCenter);
 
   const double all = iconSide + iconGap + word.width();

@@ -3,14 +3,15 @@
 
 #include "ui/state/PresetAppearance.h"
 
-#include <QWidget>
+#include <QLabel>
 
 namespace ventolith::ui {
 
 class Theme;
 
-/// A plate of 120 by 44 with the curve of a preset's first fan, or with a word where that has none.
-class CurveThumbnail final : public QWidget {
+/// A plate of 120 by 44 with the curve of a preset's first fan, or with a word where that has none. It is
+/// spoken of as that word.
+class CurveThumbnail final : public QLabel {
   Q_OBJECT
 
 public:

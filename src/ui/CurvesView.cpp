@@ -27,12 +27,14 @@ namespace {
 
 constexpr int plateSide = 44, plateIcon = 26, plateGap = 14;
 constexpr double plateRadius = 11;
+constexpr int buttonSymbol = 16;
 constexpr int belowControls = 15;
-constexpr int liveLineAbove = 10, liveLineBelow = 13;
+constexpr int liveLineAbove = 10, liveLineBelow = 14;
 
 Button* makeButton(const Theme& theme, ButtonKind kind, Symbol symbol, const QString& title) {
   auto* button = new Button(theme, kind, ButtonSize::normal);
   button->setSymbol(symbol);
+  button->setSymbolSize(buttonSymbol);
   button->setTitle(title);
   return button;
 }
@@ -53,6 +55,9 @@ public:
 
   [[nodiscard]] const core::SensorSnapshot& snapshot() const override { return model_.snapshot(); }
   [[nodiscard]] const core::FanControlPlan& activePlan() const override { return model_.activePlan(); }
+  [[nodiscard]] std::optional<core::FanCurve> curve(core::FanID fan) const override {
+    return model_.curve(fan);
+  }
   void setFanCurve(const core::FanCurve& curve, const std::vector<core::FanID>& fanIDs) override {
     model_.setFanCurve(curve, fanIDs);
   }
@@ -67,16 +72,16 @@ CurvesView::CurvesView(const ViewContext& context, QWidget* parent)
     : ModelView(context, {app::AppModelField::snapshot}, parent),
       curveModel_(std::make_unique<Model>(context.model)),
       editing_(std::make_unique<CurveEditing>(*curveModel_)),
-      empty_(makeEmptyCard()),
-      controls_(new CurveControlsRow(context.theme)),
+      emptyFansState_(makeEmptyFansState()),
+      controlsRow_(new CurveControlsRow(context.theme)),
       chart_(new CurveChart(context.theme)),
       liveLine_(new CurveLiveLine(context.theme)),
-      tuning_(new CurveTuningCard(context.theme)),
-      popover_(new Popover(context.theme, this)),
+      tuningCard_(new CurveTuningCard(context.theme)),
+      savePresetPopover_(new Popover(context.theme, this)),
       form_(new SavePresetForm(context.theme)) {
   editor_ = makeEditor();
-  popover_->setContent(form_);
-  popover_->setInitialFocus(form_->field());
+  savePresetPopover_->setContent(form_);
+  savePresetPopover_->setInitialFocus(form_->field());
   chart_->setEditing(*editing_);
   arrange();
   connectControls();
@@ -95,10 +100,9 @@ void CurvesView::arrange() {
   auto* content = new QWidget;
   content->setMinimumWidth(detailMinimumWidth);
   auto* column = makeColumn(content, metrics::betweenCards);
-  column->setContentsMargins(metrics::screenSides, metrics::screenTop, metrics::screenSides,
-                             metrics::screenBottom);
+  column->setContentsMargins(detailContentInsets());
   column->addWidget(makeHeader());
-  column->addWidget(empty_);
+  column->addWidget(emptyFansState_);
   column->addWidget(editor_);
   column->addStretch();
   auto* area = new ScrollArea(theme());
@@ -130,7 +134,7 @@ QWidget* CurvesView::makeHeader() const {
   return header;
 }
 
-Card* CurvesView::makeEmptyCard() const {
+Card* CurvesView::makeEmptyFansState() const {
   auto* card = new Card(theme());
   card->content()->addWidget(new EmptyLine(theme(), curveEditingTexts().noFans));
   return card;
@@ -139,13 +143,13 @@ Card* CurvesView::makeEmptyCard() const {
 QWidget* CurvesView::makeEditor() {
   auto* editor = new QWidget;
   auto* column = makeColumn(editor, 0);
-  column->addWidget(controls_);
+  column->addWidget(controlsRow_);
   column->addSpacing(belowControls);
   column->addWidget(makeChartCard());
   column->addSpacing(metrics::betweenCards);
-  column->addWidget(makeActions());
+  column->addWidget(makeActionsRow());
   column->addSpacing(metrics::betweenCards);
-  column->addWidget(tuning_);
+  column->addWidget(tuningCard_);
   return editor;
 }
 
@@ -162,7 +166,7 @@ Card* CurvesView::makeChartCard() {
   return card;
 }
 
-QWidget* CurvesView::makeActions() {
+QWidget* CurvesView::makeActionsRow() {
   const CurveEditingTexts texts = curveEditingTexts();
   addPoint_ = makeButton(theme(), ButtonKind::bordered, Symbol::plusCircle, texts.addPoint);
   deletePoint_ = makeButton(theme(), ButtonKind::bordered, Symbol::minusCircle, texts.deletePoint);
@@ -189,26 +193,26 @@ QWidget* CurvesView::makeActions() {
 // What the user does
 
 void CurvesView::connectControls() {
-  connect(controls_, &CurveControlsRow::fanChosen, this, [this](core::FanID fan) {
+  connect(controlsRow_, &CurveControlsRow::fanChosen, this, [this](core::FanID fan) {
     editing_->chooseFan(fan);
     display();
   });
-  connect(controls_, &CurveControlsRow::linkChanged, this,
-          [this](bool isLinked) { editing_->setLinked(isLinked); });
-  connect(controls_, &CurveControlsRow::sensorChosen, this, [this](const auto& sensorID) {
+  connect(controlsRow_, &CurveControlsRow::linkChanged, this,
+          [this](bool linked) { editing_->setLinked(linked); });
+  connect(controlsRow_, &CurveControlsRow::sensorChosen, this, [this](const auto& sensorID) {
     editing_->chooseSensor(sensorID);
     display();
   });
   connect(chart_, &CurveChart::edited, this, &CurvesView::displayCurve);
-  connect(tuning_, &CurveTuningCard::hysteresisMoved, this, [this](double celsius) {
+  connect(tuningCard_, &CurveTuningCard::hysteresisMoved, this, [this](double celsius) {
     editing_->setHysteresis(celsius);
-    tuning_->display(*editing_);
+    tuningCard_->display(*editing_);
   });
-  connect(tuning_, &CurveTuningCard::responseMoved, this, [this](double alpha) {
+  connect(tuningCard_, &CurveTuningCard::responseMoved, this, [this](double alpha) {
     editing_->setResponseAlpha(alpha);
-    tuning_->display(*editing_);
+    tuningCard_->display(*editing_);
   });
-  connect(tuning_, &CurveTuningCard::committed, this, [this] { editing_->commitTuning(); });
+  connect(tuningCard_, &CurveTuningCard::committed, this, [this] { editing_->commitTuning(); });
 }
 
 void CurvesView::connectActions() {
@@ -228,8 +232,8 @@ void CurvesView::connectPopover() {
   connect(form_, &SavePresetForm::nameEdited, this,
           [this](const QString& name) { editing_->setPresetNameDraft(name); });
   connect(form_, &SavePresetForm::submitted, this, &CurvesView::savePreset);
-  connect(form_, &SavePresetForm::cancelled, popover_, &QWidget::close);
-  connect(popover_, &Popover::closed, this, [this] { editing_->cancelSavingPreset(); });
+  connect(form_, &SavePresetForm::cancelled, savePresetPopover_, &QWidget::close);
+  connect(savePresetPopover_, &Popover::closed, this, [this] { editing_->cancelSavingPreset(); });
 }
 
 /// The button is out of use afterwards: the keyboard goes to the chart, and not to whatever is next.
@@ -242,12 +246,12 @@ void CurvesView::deletePoint() {
 void CurvesView::openPopover() {
   editing_->beginSavingPreset();
   form_->begin(editing_->presetNameDraft());
-  popover_->openFrom(*savePreset_);
+  savePresetPopover_->openFrom(*savePreset_);
 }
 
 void CurvesView::savePreset() {
   editing_->savePreset();
-  if (!editing_->isSavingPreset()) popover_->close();
+  if (!editing_->isSavingPreset()) savePresetPopover_->close();
 }
 
 // What it shows
@@ -256,8 +260,8 @@ void CurvesView::beginVisit() {
   auto editing = std::make_unique<CurveEditing>(*curveModel_);
   chart_->setEditing(*editing);
   editing_ = std::move(editing);
-  editing_->appear();
-  tuning_->display(*editing_);
+  editing_->onFirstAppear();
+  tuningCard_->display(*editing_);
   display();
 }
 
@@ -267,9 +271,10 @@ void CurvesView::refresh(Fields) {
 }
 
 void CurvesView::display() {
-  empty_->setVisible(!editing_->hasFans());
+  emptyFansState_->setVisible(!editing_->hasFans());
   editor_->setVisible(editing_->hasFans());
-  controls_->display(model().snapshot(), *editing_);
+  if (!editing_->hasFans()) savePresetPopover_->close(); // The button that it belongs to is gone.
+  controlsRow_->display(model().snapshot(), *editing_);
   chart_->refresh();
   displayCurve();
 }
@@ -277,7 +282,7 @@ void CurvesView::display() {
 /// What changes with the curve, while the chart shows that itself.
 void CurvesView::displayCurve() {
   deletePoint_->setEnabled(editing_->canDeleteSelected());
-  liveLine_->display(editing_->livePoint());
+  liveLine_->display(editing_->liveDataPoint());
 }
 
 /// The application brings it into view. A window that comes back from the dock was in view all the time.
@@ -288,7 +293,7 @@ void CurvesView::showEvent(QShowEvent* event) {
 }
 
 void CurvesView::hideEvent(QHideEvent* event) {
-  if (!event->spontaneous()) popover_->close();
+  if (!event->spontaneous()) savePresetPopover_->close();
   ModelView::hideEvent(event);
 }
 

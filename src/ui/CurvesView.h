@@ -41,10 +41,10 @@ private:
 
   void arrange();
   [[nodiscard]] QWidget* makeHeader() const;
-  [[nodiscard]] Card* makeEmptyCard() const;
+  [[nodiscard]] Card* makeEmptyFansState() const;
   [[nodiscard]] QWidget* makeEditor();
   [[nodiscard]] Card* makeChartCard();
-  [[nodiscard]] QWidget* makeActions();
+  [[nodiscard]] QWidget* makeActionsRow();
   void connectControls();
   void connectActions();
   void connectPopover();
@@ -60,17 +60,17 @@ private:
   std::unique_ptr<Model> curveModel_;
   std::unique_ptr<CurveEditing> editing_; // Of the present visit.
 
-  Card* empty_;
+  Card* emptyFansState_;
   QWidget* editor_;
-  CurveControlsRow* controls_;
+  CurveControlsRow* controlsRow_;
   CurveChart* chart_;
   CurveLiveLine* liveLine_;
   Button* addPoint_;
   Button* deletePoint_;
   Button* reset_;
   Button* savePreset_;
-  CurveTuningCard* tuning_;
-  Popover* popover_;
+  CurveTuningCard* tuningCard_;
+  Popover* savePresetPopover_;
   SavePresetForm* form_;
 };
 

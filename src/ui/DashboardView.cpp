@@ -16,7 +16,7 @@ using enum app::AppModelField;
 
 namespace {
 
-constexpr ModelView::Fields ofBanner{isHelperActive, helperManager};
+constexpr ModelView::Fields ofBanners{isHelperActive, helperManager};
 constexpr ModelView::Fields ofError{connectionError};
 constexpr ModelView::Fields ofFans{snapshot,     activePlan,   presets,      activePresetID,
                                    fanSliderRPM, draggingFans, controlState, isHelperActive};
@@ -29,28 +29,23 @@ bool touches(ModelView::Fields changed, ModelView::Fields some) {
 } // namespace
 
 DashboardView::DashboardView(const ViewContext& context, QWidget* parent)
-    : ModelView(context, ofBanner | ofError | ofFans | ofSensors, parent),
-      column_(new QVBoxLayout),
-      inactive_(new HelperBanner(context, HelperNotice::Kind::inactive)),
-      stale_(new HelperBanner(context, HelperNotice::Kind::stale)),
+    : ModelView(context, ofBanners | ofError | ofFans | ofSensors, parent),
+      helperInactiveBanner_(new HelperBanner(context, HelperNotice::Kind::inactive)),
+      staleHelperBanner_(new HelperBanner(context, HelperNotice::Kind::stale)),
       error_(new ErrorStrip(context.theme)),
       noFans_(new EmptyLine(context.theme, dashboardTexts().noFans)),
-      noSensors_(new EmptyLine(context.theme, dashboardTexts().noSensors)) {
+      noSensors_(new EmptyLine(context.theme, dashboardTexts().noSensors)),
+      fanColumns_(new AdaptiveGrid(metrics::fanMinimum, metrics::fanGap)),
+      sensorColumns_(new AdaptiveGrid(metrics::sensorMinimum, metrics::sensorGap)) {
   auto* content = new QWidget;
   content->setMinimumWidth(detailMinimumWidth);
-  content->setLayout(column_);
-  column_->setContentsMargins(metrics::screenSides, metrics::screenTop, metrics::screenSides,
-                              metrics::screenBottom);
-  column_->setSpacing(metrics::betweenCards);
-  for (QWidget* notice :
-       {static_cast<QWidget*>(inactive_), static_cast<QWidget*>(stale_), static_cast<QWidget*>(error_)})
-    column_->addWidget(notice);
-  const DashboardTexts texts = dashboardTexts();
-  fanGrid_ = addCard(Symbol::fan, texts.fans, noFans_, metrics::fanMinimum, metrics::fanGap);
-  fanGrid_->setFillsWidth(true);
-  sensorGrid_ =
-      addCard(Symbol::thermometer, texts.sensors, noSensors_, metrics::sensorMinimum, metrics::sensorGap);
-  column_->addStretch();
+  auto* column = new QVBoxLayout(content);
+  column->setContentsMargins(detailContentInsets());
+  column->setSpacing(metrics::betweenCards);
+  for (QWidget* part : std::initializer_list<QWidget*>{helperInactiveBanner_, staleHelperBanner_, error_,
+                                                       fansSection(), sensorsSection()})
+    column->addWidget(part);
+  column->addStretch();
 
   auto* area = new ScrollArea(context.theme);
   area->setContent(content);
@@ -65,15 +60,22 @@ DashboardView::~DashboardView() {
   if (isVisible()) hide();
 }
 
-AdaptiveGrid* DashboardView::addCard(Symbol symbol, const QString& title, EmptyLine* empty, int minimum,
-                                     int gap) {
+Card* DashboardView::fansSection() const {
+  fanColumns_->setFillsWidth(true);
+  return sectionCard(Symbol::fan, dashboardTexts().fans, noFans_, fanColumns_);
+}
+
+Card* DashboardView::sensorsSection() const {
+  return sectionCard(Symbol::thermometer, dashboardTexts().sensors, noSensors_, sensorColumns_);
+}
+
+Card* DashboardView::sectionCard(Symbol symbol, const QString& title, EmptyLine* empty,
+                                 AdaptiveGrid* columns) const {
   auto* card = new Card(theme());
   card->setTitle(symbol, title);
   card->content()->addWidget(empty);
-  auto* grid = new AdaptiveGrid(minimum, gap);
-  card->content()->addLayout(grid);
-  column_->addWidget(card);
-  return grid;
+  card->content()->addLayout(columns);
+  return card;
 }
 
 void DashboardView::showEvent(QShowEvent* event) {
@@ -87,15 +89,15 @@ void DashboardView::hideEvent(QHideEvent* event) {
 }
 
 void DashboardView::refresh(Fields changed) {
-  if (touches(changed, ofBanner)) refreshBanner();
+  if (touches(changed, ofBanners)) refreshBanners();
   if (touches(changed, ofError)) refreshError();
   if (touches(changed, ofFans)) refreshFans();
   if (touches(changed, ofSensors)) refreshSensors();
 }
 
-void DashboardView::refreshBanner() {
+void DashboardView::refreshBanners() {
   const auto notice = dashboardBanner(helperCondition(model()));
-  for (HelperBanner* banner : {inactive_, stale_})
+  for (HelperBanner* banner : {helperInactiveBanner_, staleHelperBanner_})
     banner->setNotice(notice);
 }
 
@@ -112,16 +114,16 @@ void DashboardView::refreshFans() {
 }
 
 /// Tiles stay with their fans: what is dragged in one, and where the keyboard is, must not pass to another.
+/// Those before the first change stay as they are, so that a fan that comes or goes ends no drag of theirs.
 void DashboardView::adjustTiles(const std::vector<core::Fan>& fans) {
   const auto areSame = [](const FanTileView* tile, const core::Fan& fan) { return tile->fanID() == fan.id; };
-  if (std::equal(tiles_.begin(), tiles_.end(), fans.begin(), fans.end(), areSame)) return;
-  for (FanTileView* tile : tiles_)
-    delete tile;
-  tiles_.clear();
-  for (const core::Fan& fan : fans) {
-    tiles_.push_back(new FanTileView(context(), fan));
-    fanGrid_->addWidget(tiles_.back());
-  }
+  const auto [tile, fan] = std::mismatch(tiles_.begin(), tiles_.end(), fans.begin(), fans.end(), areSame);
+  std::for_each(tile, tiles_.end(), [](const FanTileView* gone) { delete gone; });
+  tiles_.erase(tile, tiles_.end());
+  std::for_each(fan, fans.end(), [this](const core::Fan& come) {
+    tiles_.push_back(new FanTileView(context(), come));
+    fanColumns_->addWidget(tiles_.back());
+  });
 }
 
 void DashboardView::refreshSensors() {
@@ -130,7 +132,7 @@ void DashboardView::refreshSensors() {
     delete rows_.back();
   while (rows_.size() < sensors.size()) {
     rows_.push_back(new SensorRow(theme()));
-    sensorGrid_->addWidget(rows_.back());
+    sensorColumns_->addWidget(rows_.back());
   }
   for (std::size_t place = 0; place < sensors.size(); ++place)
     rows_[place]->setSensor(sensors[place]);

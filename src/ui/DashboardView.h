@@ -10,10 +10,6 @@
 
 #include <vector>
 
-QT_BEGIN_NAMESPACE
-class QVBoxLayout;
-QT_END_NAMESPACE
-
 namespace ventolith::ui {
 
 /// Tells the model whether it is on screen: the model reads the machine more often then.
@@ -30,22 +26,23 @@ protected:
   void hideEvent(QHideEvent* event) override;
 
 private:
-  [[nodiscard]] AdaptiveGrid* addCard(Symbol symbol, const QString& title, EmptyLine* empty, int minimum,
-                                      int gap);
-  void refreshBanner();
+  [[nodiscard]] Card* fansSection() const;
+  [[nodiscard]] Card* sensorsSection() const;
+  [[nodiscard]] Card* sectionCard(Symbol symbol, const QString& title, EmptyLine* empty,
+                                  AdaptiveGrid* columns) const;
+  void refreshBanners();
   void refreshError();
   void refreshFans();
   void refreshSensors();
   void adjustTiles(const std::vector<core::Fan>& fans);
 
-  QVBoxLayout* column_;
-  HelperBanner* inactive_;
-  HelperBanner* stale_;
+  HelperBanner* helperInactiveBanner_;
+  HelperBanner* staleHelperBanner_;
   ErrorStrip* error_;
   EmptyLine* noFans_;
   EmptyLine* noSensors_;
-  AdaptiveGrid* fanGrid_;
-  AdaptiveGrid* sensorGrid_;
+  AdaptiveGrid* fanColumns_;
+  AdaptiveGrid* sensorColumns_;
   std::vector<FanTileView*> tiles_;
   std::vector<SensorRow*> rows_;
 };

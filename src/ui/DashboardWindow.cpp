@@ -3,6 +3,7 @@
 #include "ui/kit/Metrics.h"
 
 #include <QCloseEvent>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -17,7 +18,7 @@ constexpr QSize firstSize(1000, 760);
 DashboardWindow::DashboardWindow(const ViewContext& context) : context_(context) {
   setObjectName(QStringLiteral("dashboard"));
   setMinimumSize(metrics::windowMinimumWidth, metrics::windowMinimumHeight);
-  resize(firstSize);
+  resize(firstSize.boundedTo(screen()->availableSize()).expandedTo(minimumSize()));
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(0, 0, 0, 0);
   // The standard sequences are none on a desktop that Qt does not know.

@@ -14,7 +14,7 @@ namespace ventolith::ui {
 namespace {
 
 Button* symbolButton(const Theme& theme, Symbol symbol) {
-  constexpr int side = 14;
+  constexpr int side = 15;
   auto* button = new Button(theme, ButtonKind::borderless, ButtonSize::normal);
   button->setSymbol(symbol);
   button->setSymbolSize(side);
@@ -83,6 +83,7 @@ void FanControlBlock::connectActions() {
   connect(slider_, &Slider::pressBegan, this, [this] { model_.beginManualDrag(fan_); });
   connect(slider_, &Slider::valueChanged, this, [this](double rpm) { model_.previewSliderRPM(fan_, rpm); });
   connect(slider_, &Slider::pressEnded, this, [this] { model_.commitManualRPM(fan_); });
+  connect(slider_, &Slider::pressAbandoned, this, [this] { model_.abandonManualDrag(fan_); });
   connect(fullBlast_, &Button::clicked, this, [this] { model_.setFanFullBlast(fan_); });
   connect(automatic_, &Button::clicked, this, [this] { model_.setFanAutomatic(fan_); });
 }

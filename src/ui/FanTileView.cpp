@@ -35,25 +35,27 @@ FanTileView::FanTileView(const ViewContext& context, const core::Fan& fan, QWidg
       context_(context),
       fan_(fan),
       name_(elided(new TextLabel(context.theme, TextRole::bodyStrong, &Palette::primaryText))),
-      badge_(new Badge(context.theme)),
+      modeBadge_(new Badge(context.theme)),
       gauge_(new Gauge(context.theme, Symbol::fan)),
       speed_(new TextLabel(context.theme, TextRole::rpm, &Palette::primaryText)),
       range_(elided(new TextLabel(context.theme, TextRole::caption, &Palette::tertiaryText))),
-      status_(elided(new TextLabel(context.theme, TextRole::secondary, &Palette::secondaryText))),
+      statusLine_(elided(new TextLabel(context.theme, TextRole::secondary, &Palette::secondaryText))),
       controlTitle_(elided(new TextLabel(context.theme, TextRole::smallButton, &Palette::primaryText))),
       percentage_(new TextLabel(context.theme, TextRole::secondary, &Palette::secondaryText)),
       slider_(new Slider(context.theme)),
       fullBlast_(smallButton(context.theme, Symbol::bolt, fanTileTexts().fullBlast)),
-      automatic_(smallButton(context.theme, Symbol::uturn, fanTileTexts().automatic)) {
+      automatic_(smallButton(context.theme, Symbol::uturn, fanTileTexts().automatic)),
+      sliderPlace_(*slider_),
+      fullBlastPlace_(*fullBlast_) {
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(metrics::tilePadding, metrics::tilePadding, metrics::tilePadding,
                              metrics::tilePadding);
   column->setSpacing(metrics::space12);
-  column->addLayout(makeHeader());
-  column->addLayout(makeReadout());
-  column->addWidget(status_);
-  column->addLayout(makeManualControl());
-  column->addLayout(makeQuickActions());
+  column->addLayout(header());
+  column->addLayout(readout());
+  column->addWidget(statusLine_);
+  column->addLayout(manualControl());
+  column->addLayout(quickActions());
   connectActions();
   refresh(fan);
 }
@@ -63,17 +65,17 @@ FanTileView::~FanTileView() {
   if (isVisible()) hide();
 }
 
-QLayout* FanTileView::makeHeader() {
+QLayout* FanTileView::header() {
   constexpr int icon = 16, gap = 7;
   auto* row = new QHBoxLayout;
   row->setSpacing(gap);
   row->addWidget(new IconView(theme(), Symbol::fan, icon, &Palette::secondaryText));
   row->addWidget(name_, 1);
-  row->addWidget(badge_);
+  row->addWidget(modeBadge_);
   return row;
 }
 
-QLayout* FanTileView::makeReadout() {
+QLayout* FanTileView::readout() {
   constexpr int unitGap = 3, height = 48;
   auto* unit = new TextLabel(theme(), TextRole::rpmUnit, &Palette::secondaryText);
   unit->setContentsMargins(0, 0, 0, descent(TextRole::rpm) - descent(TextRole::rpmUnit)); // On one baseline.
@@ -98,7 +100,7 @@ QLayout* FanTileView::makeReadout() {
   return row;
 }
 
-QLayout* FanTileView::makeManualControl() {
+QLayout* FanTileView::manualControl() {
   constexpr int titleGap = 5;
   percentage_->setDigits(Digits::equal);
   percentage_->setAlignment(Qt::AlignRight);
@@ -114,7 +116,7 @@ QLayout* FanTileView::makeManualControl() {
   return column;
 }
 
-QLayout* FanTileView::makeQuickActions() {
+QLayout* FanTileView::quickActions() {
   auto* row = new QHBoxLayout;
   row->setSpacing(metrics::space8);
   row->addWidget(fullBlast_);
@@ -129,6 +131,7 @@ void FanTileView::connectActions() {
   connect(slider_, &Slider::valueChanged, this,
           [this, &model](double rpm) { model.previewSliderRPM(fan_, rpm); });
   connect(slider_, &Slider::pressEnded, this, [this, &model] { model.commitManualRPM(fan_); });
+  connect(slider_, &Slider::pressAbandoned, this, [this, &model] { model.abandonManualDrag(fan_); });
   connect(fullBlast_, &Button::clicked, this, [this, &model] { model.setFanFullBlast(fan_); });
   connect(automatic_, &Button::clicked, this, [this, &model] { model.setFanAutomatic(fan_); });
 }
@@ -147,7 +150,7 @@ FanTileState FanTileView::state() const {
 void FanTileView::refresh(const core::Fan& fan) {
   fan_ = fan;
   const FanTileContent content = fanTileContent(state());
-  if (content == shown_) return;
+  if (content == shown_) return slider_->setValue(content.sliderValue); // The user may have moved it since.
   present(content);
   speak(content);
   shown_ = content;
@@ -155,19 +158,22 @@ void FanTileView::refresh(const core::Fan& fan) {
 
 void FanTileView::present(const FanTileContent& content) {
   name_->setText(content.name);
-  badge_->setContent(symbolFor(content.badge.symbol), content.badge.label,
-                     content.badge.isAccented ? BadgeStyle::strong : BadgeStyle::quiet);
-  gauge_->setFraction(content.gauge);
+  modeBadge_->setContent(symbolFor(content.badge.symbol), content.badge.label,
+                         content.badge.isAccented ? BadgeStyle::strong : BadgeStyle::quiet);
+  if (slider_->isPressed())
+    gauge_->jumpTo(content.gauge); // Nothing moves beside a knob that is dragged.
+  else
+    gauge_->setFraction(content.gauge);
   speed_->setText(content.speed);
   range_->setText(content.rangeText);
-  status_->setText(content.statusLine);
+  statusLine_->setText(content.statusLine);
   controlTitle_->setText(content.controlTitle);
   percentage_->setText(content.percentage);
   slider_->setSpokenText(content.percentage);
   slider_->setRange({.minimum = content.sliderRange.lower, .maximum = content.sliderRange.upper});
   slider_->setValue(content.sliderValue);
-  slider_->setEnabled(content.isSliderEnabled);
-  fullBlast_->setEnabled(content.isFullBlastEnabled);
+  sliderPlace_.setEnabled(content.isSliderEnabled);
+  fullBlastPlace_.setEnabled(content.isFullBlastEnabled);
   automatic_->setEnabled(content.isAutoEnabled);
 }
 

@@ -6,6 +6,7 @@
 #include "ui/kit/Badge.h"
 #include "ui/kit/Button.h"
 #include "ui/kit/Gauge.h"
+#include "ui/kit/KeyboardPlace.h"
 #include "ui/kit/Slider.h"
 #include "ui/kit/Surface.h"
 #include "ui/kit/TextLabel.h"
@@ -33,10 +34,10 @@ public:
   void refresh(const core::Fan& fan);
 
 private:
-  [[nodiscard]] QLayout* makeHeader();
-  [[nodiscard]] QLayout* makeReadout();
-  [[nodiscard]] QLayout* makeManualControl();
-  [[nodiscard]] QLayout* makeQuickActions();
+  [[nodiscard]] QLayout* header();
+  [[nodiscard]] QLayout* readout();
+  [[nodiscard]] QLayout* manualControl();
+  [[nodiscard]] QLayout* quickActions();
   void connectActions();
   [[nodiscard]] FanTileState state() const;
   void present(const FanTileContent& content);
@@ -47,16 +48,18 @@ private:
   std::optional<FanTileContent> shown_;
 
   TextLabel* name_;
-  Badge* badge_;
+  Badge* modeBadge_;
   Gauge* gauge_;
   TextLabel* speed_;
   TextLabel* range_;
-  TextLabel* status_;
+  TextLabel* statusLine_;
   TextLabel* controlTitle_;
   TextLabel* percentage_;
   Slider* slider_;
   Button* fullBlast_;
   Button* automatic_;
+  KeyboardPlace sliderPlace_;
+  KeyboardPlace fullBlastPlace_;
 };
 
 } // namespace ventolith::ui

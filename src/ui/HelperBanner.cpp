@@ -17,7 +17,8 @@ HelperBanner::HelperBanner(const ViewContext& context, HelperNotice::Kind kind, 
              isStale(kind) ? Symbol::refreshAlert : Symbol::boltSlash, parent),
       kind_(kind),
       button_(new Button(context.theme, isStale(kind) ? ButtonKind::bordered : ButtonKind::prominent,
-                         ButtonSize::normal)) {
+                         ButtonSize::normal)),
+      buttonPlace_(*button_) {
   setButton(button_, isStale(kind) ? ButtonPlace::below : ButtonPlace::beside);
   connect(button_, &Button::clicked, this, [this, &context] { repairHelper(kind_, context); });
   hide();
@@ -28,7 +29,7 @@ void HelperBanner::setNotice(const std::optional<HelperNotice>& notice) {
   if (isOurs && notice != shown_) {
     setText(notice->title, notice->text);
     button_->setTitle(notice->buttonTitle);
-    button_->setEnabled(notice->isButtonEnabled);
+    buttonPlace_.setEnabled(notice->isButtonEnabled);
     shown_ = notice;
   }
   setVisible(isOurs);

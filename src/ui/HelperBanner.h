@@ -3,6 +3,7 @@
 
 #include "ui/ModelView.h"
 #include "ui/kit/Button.h"
+#include "ui/kit/KeyboardPlace.h"
 #include "ui/kit/Notices.h"
 #include "ui/state/HelperNotice.h"
 
@@ -23,6 +24,7 @@ public:
 private:
   HelperNotice::Kind kind_;
   Button* button_;
+  KeyboardPlace buttonPlace_;
   std::optional<HelperNotice> shown_;
 };
 

@@ -79,7 +79,10 @@ void MenuBarExtra::makePanel() {
   panel_ = new MenuBarView(context_);
   popover_->setContent(panel_, 0);
   connect(panel_, &MenuBarView::left, this, &MenuBarExtra::close);
-  connect(popover_.get(), &Popover::closed, this, [this] { closed_ = context_.clock.now(); });
+  connect(popover_.get(), &Popover::closed, this, [this] {
+    closed_ = context_.clock.now();
+    if (QWidget* last = popover_->focusWidget()) last->clearFocus(); // It is to begin at the top again.
+  });
 }
 
 void MenuBarExtra::open() {

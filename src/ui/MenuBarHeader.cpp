@@ -7,7 +7,15 @@
 
 #include <QHBoxLayout>
 
+#include <algorithm>
+
 namespace ventolith::ui {
+
+namespace {
+
+constexpr int chipDot = 6, chipGap = 4;
+
+} // namespace
 
 MenuBarHeader::MenuBarHeader(const Theme& theme, QWidget* parent)
     : QWidget(parent),
@@ -16,14 +24,16 @@ MenuBarHeader::MenuBarHeader(const Theme& theme, QWidget* parent)
       title_(new TextLabel(theme, TextRole::bodyStrong, &Palette::primaryText)),
       statusWord_(new TextLabel(theme, TextRole::caption, &Palette::secondaryText)),
       temperature_(new TextLabel(theme, TextRole::panelReading, &Palette::primaryText)) {
-  constexpr int lineGap = 1;
+  constexpr int height = 34;
+  setFixedHeight(height);
   auto* lines = new QVBoxLayout;
-  lines->setSpacing(lineGap);
+  lines->setSpacing(0);
   for (TextLabel* line : {title_, statusWord_}) {
     line->setFit(Fit::elided);
     lines->addWidget(line);
   }
   temperature_->setDigits(Digits::equal);
+  temperature_->setAlignment(Qt::AlignTrailing);
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(metrics::space10);
@@ -52,15 +62,16 @@ void MenuBarHeader::setContent(const PanelHeaderContent& content) {
 
 SensorChipsRow::SensorChipsRow(const Theme& theme, QWidget* parent)
     : QWidget(parent), theme_(theme), row_(new QHBoxLayout(this)) {
+  constexpr int height = 16;
+  setFixedHeight(height);
   row_->setContentsMargins(0, 0, 0, 0);
   row_->setSpacing(metrics::space12);
   row_->addStretch();
 }
 
 SensorChipsRow::Chip SensorChipsRow::addChip() {
-  constexpr int gap = 4;
   const Chip chip{.all = new QWidget,
-                  .dot = new Dot(6, Qt::transparent),
+                  .dot = new Dot(chipDot, Qt::transparent),
                   .name = new TextLabel(theme_, TextRole::caption, &Palette::secondaryText),
                   .temperature = new TextLabel(theme_, TextRole::axisLabel, &Palette::primaryText)};
   chip.name->setFit(Fit::elided);
@@ -69,9 +80,9 @@ SensorChipsRow::Chip SensorChipsRow::addChip() {
   row->setContentsMargins(0, 0, 0, 0);
   row->setSpacing(0);
   row->addWidget(chip.dot);
-  row->addSpacing(gap);
+  row->addSpacing(chipGap);
   row->addWidget(chip.name);
-  row->addSpacing(gap);
+  row->addSpacing(chipGap);
   row->addWidget(chip.temperature);
   row_->insertWidget(static_cast<int>(chips_.size()), chip.all);
   chip.all->show();
@@ -88,6 +99,32 @@ void SensorChipsRow::setChips(const std::vector<SensorChipContent>& chips) {
     chip.dot->setColor(qColor(chips[place].dot));
     chip.name->setText(chips[place].name);
     chip.temperature->setText(chips[place].temperature);
+  }
+  shareRoom();
+}
+
+void SensorChipsRow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  shareRoom();
+}
+
+/// What the names that are shorter than their share leave goes to the others.
+void SensorChipsRow::shareRoom() {
+  std::vector<TextLabel*> names;
+  int room = width() + metrics::space12;
+  for (const Chip& chip : chips_) {
+    names.push_back(chip.name);
+    room -= chipDot + 2 * chipGap + chip.temperature->sizeHint().width() + metrics::space12;
+  }
+  std::sort(names.begin(), names.end(), [](const TextLabel* one, const TextLabel* other) {
+    return one->sizeHint().width() < other->sizeHint().width();
+  });
+  auto left = static_cast<int>(names.size());
+  for (TextLabel* name : names) {
+    const int share = std::max(0, std::min(name->sizeHint().width(), room / left));
+    name->setMaximumWidth(share);
+    room -= share;
+    --left;
   }
 }
 

@@ -37,7 +37,7 @@ private:
   TextLabel* temperature_;
 };
 
-/// Names give way to figures where the row is too narrow for both.
+/// Names give way to figures where the row is too narrow for both, the longest of them first.
 class SensorChipsRow final : public QWidget {
   Q_OBJECT
 
@@ -45,6 +45,9 @@ public:
   explicit SensorChipsRow(const Theme& theme, QWidget* parent = nullptr);
 
   void setChips(const std::vector<SensorChipContent>& chips);
+
+protected:
+  void resizeEvent(QResizeEvent* event) override;
 
 private:
   struct Chip {
@@ -54,6 +57,7 @@ private:
     TextLabel* temperature;
   };
   [[nodiscard]] Chip addChip();
+  void shareRoom();
 
   const Theme& theme_;
   QHBoxLayout* row_;

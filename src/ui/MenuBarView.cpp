@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace ventolith::ui {
 
@@ -38,10 +39,10 @@ bool touches(ModelView::Fields changed, ModelView::Fields some) {
   return !(changed & some).isEmpty();
 }
 
-QWidget* section(QWidget* content, int side, int aboveAndBelow) {
+QWidget* section(QWidget* content, int side, int above, int below) {
   auto* all = new QWidget;
   auto* column = new QVBoxLayout(all);
-  column->setContentsMargins(side, aboveAndBelow, side, aboveAndBelow);
+  column->setContentsMargins(side, above, side, below);
   column->addWidget(content);
   return all;
 }
@@ -96,13 +97,13 @@ MenuBarView::MenuBarView(const ViewContext& context, QWidget* parent)
   auto* ofChipsSection = new QVBoxLayout(chipsSection_);
   ofChipsSection->setContentsMargins(0, 0, 0, 0);
   ofChipsSection->setSpacing(0);
-  ofChipsSection->addWidget(section(chips_, sides, metrics::space10));
+  ofChipsSection->addWidget(section(chips_, sides, metrics::space10, metrics::space10));
   ofChipsSection->addWidget(divider());
 
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(stroke, stroke, stroke, stroke);
   column->setSpacing(0);
-  column->addWidget(section(header_, sides, metrics::space10));
+  column->addWidget(section(header_, sides, metrics::space10, metrics::space10));
   column->addWidget(divider());
   column->addWidget(chipsSection_);
   column->addWidget(makeFansSection());
@@ -133,10 +134,12 @@ QWidget* MenuBarView::makeFansSection() {
 }
 
 QWidget* MenuBarView::makePresetRow() {
+  constexpr int presetSymbolSide = 15;
   auto* label = new TextLabel(theme(), TextRole::caption, &Palette::secondaryText);
   label->setText(menuBarTexts().preset);
   preset_ = new PresetMenu(context());
   preset_->button().setSize(ButtonSize::small);
+  preset_->button().setSymbolSize(presetSymbolSide);
   auto* all = new QWidget;
   auto* row = new QHBoxLayout(all);
   row->setContentsMargins(0, 0, 0, 0);
@@ -144,7 +147,7 @@ QWidget* MenuBarView::makePresetRow() {
   row->addWidget(label);
   row->addStretch();
   row->addWidget(preset_);
-  return section(all, sides, metrics::space8);
+  return section(all, sides, metrics::space8, metrics::space8);
 }
 
 QWidget* MenuBarView::makeFooter() {
@@ -171,7 +174,8 @@ QWidget* MenuBarView::makeFooter() {
   rows->addLayout(first);
   rows->addWidget(actions_);
   // Titles stand on the panel's margins, so the buttons' grounds reach beyond them.
-  return section(all, sides - Button::plainPadding, metrics::space8);
+  constexpr int below = 9;
+  return section(all, sides - Button::plainPadding, metrics::space8, below);
 }
 
 QSize MenuBarView::sizeHint() const {
@@ -207,35 +211,48 @@ void MenuBarView::refreshFans() {
     blocks_[place]->refresh(fans[place]);
 }
 
-/// Blocks stay with their fans: what is dragged in one, and where the keyboard is, must not pass to another.
+/// Blocks stay with their fans: what is dragged in one, and where the keyboard is, must not pass to another,
+/// and must not end because another fan comes or goes.
 void MenuBarView::adjustBlocks(const std::vector<core::Fan>& fans) {
   const auto areSame = [](const FanControlBlock* block, const core::Fan& fan) {
     return block->fanID() == fan.id;
   };
   if (std::equal(blocks_.begin(), blocks_.end(), fans.begin(), fans.end(), areSame)) return;
-  for (FanControlBlock* block : blocks_)
-    delete block;
-  blocks_.clear();
-  for (const core::Fan& fan : fans) {
-    blocks_.push_back(new FanControlBlock(context(), fan));
-    fans_->addWidget(blocks_.back());
-    blocks_.back()->show(); // At once: the panel needs its size before it opens.
+  std::vector<FanControlBlock*> known = std::exchange(blocks_, {});
+  for (const core::Fan& fan : fans)
+    blocks_.push_back(takeBlock(known, fan));
+  for (FanControlBlock* gone : known)
+    delete gone;
+  for (FanControlBlock* block : blocks_) {
+    fans_->addWidget(block); // Behind those before it, wherever it was.
+    block->show();           // At once: the panel needs its size before it opens.
   }
   noFans_->setVisible(fans.empty());
   orderForKeyboard();
 }
 
-/// New blocks come last in the order of the keyboard: what stands below them goes behind them again, the
-/// last of it first. (Qt takes a control for well placed that follows the last one around the corner.)
+/// Out of `known`, or new.
+FanControlBlock* MenuBarView::takeBlock(std::vector<FanControlBlock*>& known, const core::Fan& fan) const {
+  const auto found = std::find_if(known.begin(), known.end(),
+                                  [&](const FanControlBlock* block) { return block->fanID() == fan.id; });
+  if (found == known.end()) return new FanControlBlock(context(), fan);
+  FanControlBlock* const block = *found;
+  known.erase(found);
+  return block;
+}
+
+/// From top to bottom, in which new blocks came last: everything goes behind the first control, the last of
+/// it first. (Qt takes a control for well placed that follows the last one around the corner.)
 void MenuBarView::orderForKeyboard() {
-  if (blocks_.empty()) return;
-  QWidget* const lastAbove = controlsIn(*blocks_.back()).back();
-  for (QWidget* part :
-       std::initializer_list<QWidget*>{actions_, open_, restoreAuto_, preset_, stale_, inactive_}) {
-    std::vector<QWidget*> below = controlsIn(*part);
-    for (auto control = below.rbegin(); control != below.rend(); ++control)
-      setTabOrder(lastAbove, *control);
+  std::vector<QWidget*> parts(blocks_.begin(), blocks_.end());
+  parts.insert(parts.end(), {inactive_, stale_, preset_, restoreAuto_, open_, actions_});
+  std::vector<QWidget*> controls;
+  for (QWidget* part : parts) {
+    const std::vector<QWidget*> its = controlsIn(*part);
+    controls.insert(controls.end(), its.begin(), its.end());
   }
+  for (std::size_t place = controls.size(); place > 1; --place)
+    setTabOrder(controls.front(), controls[place - 1]);
 }
 
 void MenuBarView::refreshHelper() {

@@ -45,6 +45,7 @@ private:
   void refreshFans();
   void refreshHelper();
   void adjustBlocks(const std::vector<core::Fan>& fans);
+  [[nodiscard]] FanControlBlock* takeBlock(std::vector<FanControlBlock*>& known, const core::Fan& fan) const;
   void orderForKeyboard();
 
   MenuBarHeader* header_;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int padding = 22;
 constexpr int iconSide = 28, iconGap = 8, titleGap = 2;
+constexpr double widestCaption = 200; // Two lines of much the same length.
 constexpr int reach = Surface::shadowReach;
 
 } // namespace
@@ -44,7 +45,7 @@ QRectF NewPresetCard::ground() const {
 }
 
 QStringList NewPresetCard::captionLines(double cardWidth) const {
-  return wrapped(caption_, TextRole::caption, cardWidth - 2 * padding);
+  return wrapped(caption_, TextRole::caption, std::min(cardWidth - 2 * padding, widestCaption));
 }
 
 int NewPresetCard::heightForWidth(int width) const {

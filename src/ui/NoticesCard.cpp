@@ -5,6 +5,8 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
+#include <QScrollArea>
+#include <QTextBlock>
 #include <QTextBlockFormat>
 #include <QTextCursor>
 #include <QVBoxLayout>
@@ -28,11 +30,20 @@ bool isScrolling(const QKeyEvent& event) {
   }
 }
 
+QScrollArea* areaAround(const QWidget& widget) {
+  for (QWidget* around = widget.parentWidget(); around != nullptr; around = around->parentWidget())
+    if (auto* area = qobject_cast<QScrollArea*>(around)) return area;
+  return nullptr;
+}
+
 } // namespace
 
 NoticesText::NoticesText(const Theme& theme, const QString& text, QWidget* parent)
-    : QTextEdit(parent), theme_(theme) {
+    : QTextEdit(parent),
+      theme_(theme),
+      feel_(theme, *this, [this] { return RingShape{QRectF(rect()), metrics::smallButtonRadius}; }) {
   setFrameShape(NoFrame);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   setReadOnly(true);
   setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   setTabChangesFocus(true);
@@ -44,17 +55,27 @@ NoticesText::NoticesText(const Theme& theme, const QString& text, QWidget* paren
   document()->setUndoRedoEnabled(false);
   setFont(fontOf(TextRole::notices));
   setPlainText(text);
-
-  QTextBlockFormat lines;
-  lines.setLineHeight(styleOf(TextRole::notices).line, QTextBlockFormat::FixedHeight);
-  QTextCursor all(document());
-  all.select(QTextCursor::Document);
-  all.mergeBlockFormat(lines);
+  setLines();
 
   connect(document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
           [this](const QSizeF& size) { setFixedHeight(static_cast<int>(std::ceil(size.height()))); });
   connect(&theme, &Theme::changed, this, &NoticesText::takeColors);
   takeColors();
+}
+
+void NoticesText::setLines() {
+  QTextBlockFormat lines;
+  lines.setLineHeight(styleOf(TextRole::notices).line, QTextBlockFormat::FixedHeight);
+  QTextCursor all(document());
+  all.select(QTextCursor::Document);
+  all.mergeBlockFormat(lines);
+}
+
+void NoticesText::showEndOfSelection() {
+  QScrollArea* const area = areaAround(*this);
+  if (area == nullptr || !textCursor().hasSelection()) return;
+  const QPoint end = mapTo(area->widget(), cursorRect().center());
+  area->ensureVisible(end.x(), end.y(), 0, styleOf(TextRole::notices).line);
 }
 
 void NoticesText::takeColors() {
@@ -70,6 +91,19 @@ void NoticesText::takeColors() {
 void NoticesText::keyPressEvent(QKeyEvent* event) {
   if (isScrolling(*event)) return event->ignore();
   QTextEdit::keyPressEvent(event);
+  const bool isSelecting = event->modifiers() & Qt::ShiftModifier;
+  if (isSelecting) showEndOfSelection();
+}
+
+void NoticesText::mouseMoveEvent(QMouseEvent* event) {
+  QTextEdit::mouseMoveEvent(event);
+  if (event->buttons() & Qt::LeftButton) showEndOfSelection();
+}
+
+/// Qt lays a long text out step by step, by which the screen would grow under the reader.
+void NoticesText::resizeEvent(QResizeEvent* event) {
+  QTextEdit::resizeEvent(event);
+  static_cast<void>(document()->documentLayout()->blockBoundingRect(document()->lastBlock()));
 }
 
 void NoticesText::wheelEvent(QWheelEvent* event) {

@@ -80,34 +80,34 @@ void PresetCard::layOut() {
   constexpr int edge = shadowReach + padding;
   all->setContentsMargins(edge, edge - headerOverlap, edge, edge);
   all->setSpacing(0);
-  all->addLayout(makeHeader());
+  all->addLayout(header());
   all->addSpacing(metrics::space12 - headerOverlap);
   all->addLayout(picture);
   all->addSpacing(metrics::space12);
   all->addStretch();
   all->addSpacing(metrics::space12);
-  all->addLayout(makeFooter());
+  all->addLayout(footer());
 }
 
-QHBoxLayout* PresetCard::makeHeader() {
-  auto* header = new QHBoxLayout;
-  header->setSpacing(metrics::space8);
-  header->addStrut(lineHeight);
-  header->addWidget(dot_, 0, Qt::AlignVCenter);
-  header->addWidget(name_, 1, Qt::AlignVCenter);
-  header->addWidget(nameField_, 1, Qt::AlignVCenter);
-  header->addWidget(menu_, 0, Qt::AlignVCenter);
-  return header;
+QHBoxLayout* PresetCard::header() {
+  auto* row = new QHBoxLayout;
+  row->setSpacing(metrics::space8);
+  row->addStrut(lineHeight);
+  row->addWidget(dot_, 0, Qt::AlignVCenter);
+  row->addWidget(name_, 1, Qt::AlignVCenter);
+  row->addWidget(nameField_, 1, Qt::AlignVCenter);
+  row->addWidget(menu_, 0, Qt::AlignVCenter);
+  return row;
 }
 
-QHBoxLayout* PresetCard::makeFooter() {
-  auto* footer = new QHBoxLayout;
-  footer->setSpacing(0);
-  footer->addStrut(lineHeight);
-  footer->addWidget(activeBadge_, 0, Qt::AlignVCenter);
-  footer->addWidget(activateButton_, 0, Qt::AlignVCenter);
-  footer->addStretch();
-  return footer;
+QHBoxLayout* PresetCard::footer() {
+  auto* row = new QHBoxLayout;
+  row->setSpacing(0);
+  row->addStrut(lineHeight);
+  row->addWidget(activeBadge_, 0, Qt::AlignVCenter);
+  row->addWidget(activateButton_, 0, Qt::AlignVCenter);
+  row->addStretch();
+  return row;
 }
 
 std::vector<QWidget*> PresetCard::tabStops() {

@@ -54,8 +54,8 @@ protected:
 private:
   void makePieces();
   void layOut();
-  [[nodiscard]] QHBoxLayout* makeHeader();
-  [[nodiscard]] QHBoxLayout* makeFooter();
+  [[nodiscard]] QHBoxLayout* header();
+  [[nodiscard]] QHBoxLayout* footer();
   void showContent();
   void showDot();
   void showName();

@@ -21,7 +21,6 @@ PresetMenu::PresetMenu(const ViewContext& context, QWidget* parent)
   all->setContentsMargins(0, 0, 0, 0);
   all->addWidget(button_);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-  setFocusProxy(button_);
 
   button_->setAccessibleDescription(tr("Presets"));
   button_->setRows([this] { return rows(); });

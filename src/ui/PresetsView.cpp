@@ -32,7 +32,7 @@ PresetsView::PresetsView(const ViewContext& context, QWidget* parent)
                 {AppModelField::presets, AppModelField::activePresetID, AppModelField::isHelperActive},
                 parent),
       gridArea_(new QWidget),
-      grid_(new AdaptiveGrid(metrics::presetMinimum, metrics::presetGap, gridArea_)),
+      columns_(new AdaptiveGrid(metrics::presetMinimum, metrics::presetGap, gridArea_)),
       newPresetCard_(new NewPresetCard(context, gridArea_)),
       autoSwitch_(new AutoSwitchSection(context)) {
   setMinimumWidth(detailMinimumWidth);
@@ -42,8 +42,8 @@ PresetsView::PresetsView(const ViewContext& context, QWidget* parent)
 }
 
 void PresetsView::layOut() {
-  grid_->setOutset(reach);
-  grid_->setContentsMargins(reach, reach, reach, reach);
+  columns_->setOutset(reach);
+  columns_->setContentsMargins(reach, reach, reach, reach);
   auto* introduction = new TextLabel(theme(), TextRole::body, &Palette::secondaryText);
   introduction->setFit(Fit::wrapped);
   introduction->setText(presetsTexts().introduction);
@@ -103,20 +103,21 @@ void PresetsView::takePresets() {
 
 /// The cards in their order, for the eye and for the keyboard.
 void PresetsView::arrange() {
-  while (QLayoutItem* item = grid_->takeAt(0))
+  while (QLayoutItem* item = columns_->takeAt(0))
     delete item; // Qt hands it over raw.
   std::vector<QWidget*> stops;
   for (PresetCard* card : cards_) {
-    grid_->addWidget(card);
+    columns_->addWidget(card);
     for (QWidget* stop : card->tabStops())
       stops.push_back(stop);
   }
-  grid_->addWidget(newPresetCard_);
+  columns_->addWidget(newPresetCard_);
   stops.push_back(newPresetCard_);
   for (QWidget* stop : autoSwitch_->tabStops())
     stops.push_back(stop);
-  for (std::size_t next = 1; next < stops.size(); ++next)
-    setTabOrder(stops[next - 1], stops[next]);
+  // The last first: Qt takes a control for well placed that follows the last one around the corner.
+  for (std::size_t place = stops.size(); place > 1; --place)
+    setTabOrder(stops.front(), stops[place - 1]);
 }
 
 void PresetsView::remove(const std::vector<PresetCard*>& cards) {

@@ -34,7 +34,7 @@ private:
 
   // Children.
   QWidget* gridArea_;
-  AdaptiveGrid* grid_;
+  AdaptiveGrid* columns_;
   NewPresetCard* newPresetCard_;
   AutoSwitchSection* autoSwitch_;
   std::vector<PresetCard*> cards_;

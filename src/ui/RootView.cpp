@@ -8,6 +8,7 @@
 #include "ui/RulesView.h"
 #include "ui/kit/Metrics.h"
 #include "ui/kit/Painting.h"
+#include "ui/state/RootTexts.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -85,6 +86,7 @@ SidebarList* RootView::makeSidebar() {
   for (const AppSection section : allAppSections)
     rows.push_back({symbolFor(symbol(section)), title(section)});
   list->setRows(rows);
+  list->setAccessibleName(rootTexts().screens);
   connect(list, &SidebarList::currentRowChanged, this,
           [this](int row) { setSection(allAppSections.at(static_cast<std::size_t>(row))); });
   return list;

@@ -23,7 +23,7 @@ constexpr int keywordColumn = 66, keywordGap = 8;
 constexpr int aboveDivider = 11, belowDivider = 7;
 constexpr int secondaryHeight = 26;
 constexpr int dotDiameter = 7;
-constexpr int betweenWords = 8, betweenMenuAndWord = 6;
+constexpr int betweenWords = 8, betweenMenuAndWord = 5;
 constexpr int widestMenu = 300; // Of the names that a machine gives, few are longer.
 constexpr double disabledDotOpacity = 0.4;
 
@@ -97,12 +97,13 @@ std::vector<MenuRow> menuRows(const PickerContent<Value>& content, const Choose&
   return rows;
 }
 
-/// The longest labels that the steppers lead to.
-RuleRowContent widestLabels() {
-  return ruleRowContent({.thresholdCelsius = thresholdRange.upper,
-                         .releaseBelowCelsius = releaseBelowRange.upper,
-                         .targetPercent = targetPercentRange.upper,
-                         .dwellSeconds = dwellRange.upper},
+/// Of two digits, as nearly all are: room for more would part each of them from its arrows.
+RuleRowContent usualLabels() {
+  constexpr double usual = 30;
+  return ruleRowContent({.thresholdCelsius = usual,
+                         .releaseBelowCelsius = usual,
+                         .targetPercent = usual,
+                         .dwellSeconds = usual},
                         core::SensorSnapshot::empty);
 }
 
@@ -133,11 +134,11 @@ void RuleRow::makeControls() {
   targetPercentStepper_ = stepper(theme(), StepperSize::normal, targetPercentRange, tr("Fan speed"), this);
   releaseBelowStepper_ = stepper(theme(), StepperSize::small, releaseBelowRange, tr("Release point"), this);
   dwellStepper_ = stepper(theme(), StepperSize::small, dwellRange, tr("Dwell"), this);
-  const RuleRowContent widest = widestLabels();
-  thresholdStepper_->setWidestLabel(widest.threshold);
-  targetPercentStepper_->setWidestLabel(widest.targetPercent);
-  releaseBelowStepper_->setWidestLabel(widest.releaseBelow);
-  dwellStepper_->setWidestLabel(widest.dwell);
+  const RuleRowContent usual = usualLabels();
+  thresholdStepper_->setRoomFor(usual.threshold);
+  targetPercentStepper_->setRoomFor(usual.targetPercent);
+  releaseBelowStepper_->setRoomFor(usual.releaseBelow);
+  dwellStepper_->setRoomFor(usual.dwell);
   enabledToggle_ = new Switch(theme(), this);
   enabledToggle_->setAccessibleName(tr("Enabled"));
   enabledDot_ = new Dot(dotDiameter, Qt::transparent, this);
@@ -149,44 +150,48 @@ void RuleRow::makeControls() {
 }
 
 void RuleRow::layOut() {
-  QHBoxLayout* first = line(lineHeight);
-  QHBoxLayout* second = line(lineHeight);
-  const auto begin = [this](QHBoxLayout& row, const QString& keyword, QWidget* menu) {
-    TextLabel* label = word(theme(), TextRole::keyword, keyword);
-    label->setFixedWidth(keywordColumn);
-    add(row, label, 0);
-    add(row, menu, keywordGap - Button::plainPadding);
-  };
-  begin(*first, texts_.when, sensorMenu_);
-  add(*first, word(theme(), TextRole::body, texts_.exceeds), betweenMenuAndWord);
-  add(*first, thresholdStepper_, betweenWords);
-  begin(*second, texts_.thenSet, fanMenu_);
-  add(*second, word(theme(), TextRole::body, texts_.to), betweenMenuAndWord);
-  add(*second, targetPercentStepper_, betweenWords);
-
-  const QString dot = QStringLiteral("·");
-  QHBoxLayout* third = line(secondaryHeight);
-  add(*third, releaseBelowStepper_, 0);
-  add(*third, word(theme(), TextRole::caption, dot), betweenWords);
-  add(*third, dwellStepper_, betweenWords);
-  add(*third, word(theme(), TextRole::caption, dot), betweenWords);
-  add(*third, enabledToggle_, betweenWords);
-  add(*third, enabledDot_, betweenWords);
-  add(*third, enabledWord_, metrics::space6);
-  for (QHBoxLayout* row : {first, second, third})
-    row->addStretch();
-  third->addWidget(deleteButton_, 0, Qt::AlignVCenter);
-
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(paddingSides, paddingTop, paddingSides, paddingBottom);
   all->setSpacing(0);
-  all->addLayout(first);
-  all->addSpacing(betweenLines);
-  all->addLayout(second);
+  all->addLayout(primaryLines());
   all->addSpacing(aboveDivider);
   all->addWidget(new Divider(theme(), Qt::Horizontal));
   all->addSpacing(belowDivider);
-  all->addLayout(third);
+  all->addLayout(secondaryLine());
+}
+
+QVBoxLayout* RuleRow::primaryLines() {
+  auto* lines = new QVBoxLayout;
+  lines->setSpacing(betweenLines);
+  const auto addLine = [&](const QString& keyword, QWidget* menu, const QString& verb, QWidget* stepper) {
+    QHBoxLayout* row = line(lineHeight);
+    TextLabel* label = word(theme(), TextRole::keyword, keyword);
+    label->setFixedWidth(keywordColumn);
+    add(*row, label, 0);
+    add(*row, menu, keywordGap - Button::plainPadding);
+    add(*row, word(theme(), TextRole::body, verb), betweenMenuAndWord);
+    add(*row, stepper, betweenWords);
+    row->addStretch();
+    lines->addLayout(row);
+  };
+  addLine(texts_.when, sensorMenu_, texts_.exceeds, thresholdStepper_);
+  addLine(texts_.thenSet, fanMenu_, texts_.to, targetPercentStepper_);
+  return lines;
+}
+
+QHBoxLayout* RuleRow::secondaryLine() {
+  const QString dot = QStringLiteral("·");
+  QHBoxLayout* row = line(secondaryHeight);
+  add(*row, releaseBelowStepper_, 0);
+  add(*row, word(theme(), TextRole::caption, dot), betweenWords);
+  add(*row, dwellStepper_, betweenWords);
+  add(*row, word(theme(), TextRole::caption, dot), betweenWords);
+  add(*row, enabledToggle_, betweenWords);
+  add(*row, enabledDot_, betweenWords);
+  add(*row, enabledWord_, metrics::space6);
+  row->addStretch();
+  row->addWidget(deleteButton_, 0, Qt::AlignVCenter);
+  return row;
 }
 
 void RuleRow::connectControls() {

@@ -11,6 +11,11 @@
 #include <functional>
 #include <vector>
 
+QT_BEGIN_NAMESPACE
+class QHBoxLayout;
+class QVBoxLayout;
+QT_END_NAMESPACE
+
 namespace ventolith::ui {
 
 class Button;
@@ -53,6 +58,8 @@ private:
 
   void makeControls();
   void layOut();
+  [[nodiscard]] QVBoxLayout* primaryLines();
+  [[nodiscard]] QHBoxLayout* secondaryLine();
   void connectControls();
   void edit(const Edit& change);
   void showContent(const RuleRowContent& content);

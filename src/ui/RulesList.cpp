@@ -224,6 +224,7 @@ void RulesList::mousePressEvent(QMouseEvent* event) {
   const QPoint position = event->position().toPoint();
   const auto pressed = placeOf(childAt(position));
   if (event->button() != Qt::LeftButton || !pressed) return event->ignore();
+  cancelDrag(); // One that was let go where nobody saw it.
   drag_ = Drag{.place = *pressed,
                .pressed = event->globalPosition().toPoint(),
                .pointer = event->globalPosition().toPoint(),

@@ -21,7 +21,8 @@ using app::AppModelField;
 
 namespace {
 
-constexpr int ringRoom = 6; // Above the first card, for the ring of the keyboard around it.
+constexpr int ringRoom = 6;         // Above the first card, for the ring of the keyboard around it.
+constexpr int belowEmptyState = 78; // It stands a little above the middle of what is free.
 
 } // namespace
 
@@ -31,7 +32,7 @@ RulesView::RulesView(const ViewContext& context, QWidget* parent)
   auto* all = new QVBoxLayout(this);
   all->setContentsMargins(0, metrics::screenTop, 0, 0);
   all->setSpacing(0);
-  all->addWidget(makeHeader());
+  all->addWidget(header());
   makeEmptyState();
   makeList();
   all->addWidget(emptyState_, 1);
@@ -39,7 +40,7 @@ RulesView::RulesView(const ViewContext& context, QWidget* parent)
   refresh({});
 }
 
-QWidget* RulesView::makeHeader() {
+QWidget* RulesView::header() {
   const RulesTexts texts = rulesTexts();
   newRuleButton_ = new Button(theme(), ButtonKind::prominent, ButtonSize::normal);
   newRuleButton_->setSymbol(Symbol::plus);
@@ -47,8 +48,8 @@ QWidget* RulesView::makeHeader() {
   connect(newRuleButton_, &QAbstractButton::clicked, this, &RulesView::addRule);
 
   // The button is higher than the title's line, but the line below may pass under it.
-  auto* header = new QWidget;
-  auto* grid = new QGridLayout(header);
+  auto* area = new QWidget;
+  auto* grid = new QGridLayout(area);
   grid->setContentsMargins(metrics::screenSides, 0, metrics::screenSides, metrics::betweenCards - ringRoom);
   grid->setHorizontalSpacing(metrics::space16);
   grid->setVerticalSpacing(0);
@@ -62,16 +63,14 @@ QWidget* RulesView::makeHeader() {
   subtitle->setText(texts.subtitle);
   grid->addWidget(subtitle, 1, 0, 1, 2);
   grid->addWidget(newRuleButton_, 0, 1, 2, 1, Qt::AlignTop);
-  return header;
+  return area;
 }
 
 void RulesView::makeEmptyState() {
   const RulesTexts texts = rulesTexts();
   emptyState_ = new EmptyState(theme(), Symbol::boltClock, this);
   emptyState_->setText(texts.emptyHeading, texts.emptyText);
-  // In the middle of what is free, and a little above it: as much as the window's bar takes at the top.
-  emptyState_->setContentsMargins(metrics::screenSides, 0, metrics::screenSides,
-                                  metrics::screenBottom + metrics::topBarHeight);
+  emptyState_->setContentsMargins(metrics::screenSides, 0, metrics::screenSides, belowEmptyState);
   createFirstRuleButton_ = new Button(theme(), ButtonKind::bordered, ButtonSize::normal);
   createFirstRuleButton_->setTitle(texts.createFirstRule);
   connect(createFirstRuleButton_, &QAbstractButton::clicked, this, &RulesView::addRule);

@@ -25,7 +25,7 @@ protected:
   void refresh(Fields changed) override;
 
 private:
-  [[nodiscard]] QWidget* makeHeader();
+  [[nodiscard]] QWidget* header();
   void makeEmptyState();
   void makeList();
   void addRule() const;

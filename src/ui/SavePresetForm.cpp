@@ -46,7 +46,8 @@ SavePresetForm::SavePresetForm(const Theme& theme, QWidget* parent)
   buttons->addWidget(save);
   column->addLayout(buttons);
 
-  connect(field_, &QLineEdit::textEdited, this, &SavePresetForm::nameEdited);
+  // Not only what is typed: assistive technology sets the whole text.
+  connect(field_, &QLineEdit::textChanged, this, &SavePresetForm::nameEdited);
   connect(field_, &QLineEdit::returnPressed, this, &SavePresetForm::submitted);
   connect(cancel, &QPushButton::clicked, this, &SavePresetForm::cancelled);
   connect(save, &QPushButton::clicked, this, &SavePresetForm::submitted);

@@ -16,9 +16,11 @@ namespace {
 constexpr int line = 1; // Between the bar and the screen.
 
 Button* makeRestoreButton(const ViewContext& context) {
+  constexpr int icon = 16;
   const RootTexts texts = rootTexts();
   auto* button = new Button(context.theme, ButtonKind::bordered, ButtonSize::normal);
   button->setSymbol(Symbol::uturnCircle);
+  button->setSymbolSize(icon);
   button->setTitle(texts.restoreAuto);
   button->setToolTip(texts.restoreAutoToolTip);
   button->setAccessibleDescription(texts.restoreAutoToolTip);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace ventolith::ui {
 
@@ -22,11 +23,23 @@ void UpdateCheckButton::refresh() {
 
 void UpdateCheckButton::present() {
   setTitle(state_.label());
-  setEnabled(state_.isEnabled());
+  enable(state_.isEnabled());
   const QString detail = state_.detail();
   if (detail == toolTip()) return;
   setToolTip(detail);
   setAccessibleName(detail);
+}
+
+/// Qt passes the keyboard of a disabled control on to the next one, which a second press would then hit. This
+/// one lets go of it for as long as a check runs.
+void UpdateCheckButton::enable(bool isEnabled) {
+  if (!isEnabled && hasFocus()) {
+    hadKeyboard_ = true;
+    clearFocus();
+  }
+  setEnabled(isEnabled);
+  if (!isEnabled || !std::exchange(hadKeyboard_, false)) return;
+  if (window()->focusWidget() == nullptr) setFocus(Qt::OtherFocusReason);
 }
 
 QSize UpdateCheckButton::sizeHint() const {

@@ -26,9 +26,11 @@ public:
 
 private:
   void present();
+  void enable(bool isEnabled);
 
   const app::AppModel& model_;
   UpdateCheckButtonState state_;
+  bool hadKeyboard_ = false; // When it was disabled.
 };
 
 } // namespace ventolith::ui

@@ -119,6 +119,18 @@ TEST_F(ControlActionTest, AfterACommitTheSliderShowsThePlan) {
   EXPECT_EQ(model->fanSliderRPM().at(0), 2345.6);
 }
 
+TEST_F(ControlActionTest, AnAbandonedDragSendsNothingAndShowsThePlan) {
+  startWith(fixed({{0, 3000}}));
+  model->beginManualDrag(fan(0));
+  model->previewSliderRPM(fan(0), 2345.6);
+  model->abandonManualDrag(fan(0));
+  settle();
+  EXPECT_EQ(sentCount(), 0U);
+  EXPECT_TRUE(model->draggingFans().empty());
+  EXPECT_EQ(model->sliderValue(fan(0)), 3000);
+  EXPECT_TRUE(isPresetActive());
+}
+
 TEST_F(ControlActionTest, FullBlastForAllIsForTheFansOfTheSnapshot) {
   const auto hot = rule();
   startWith(plan({{5, FanControlModePlan::fixedRPM(1)}}, {hot}));

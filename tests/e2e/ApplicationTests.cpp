@@ -1,14 +1,13 @@
 // The application without its window, with a helper, a simulated Mac and the services of a system, as
 // processes on a bus of the test's own.
+#include "e2e/CommandPipe.h"
 #include "e2e/HelperHouse.h"
-#include "e2e/MockPeer.h"
+#include "e2e/MockSystemd.h"
 #include "e2e/MockUPower.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -29,46 +28,6 @@ namespace ventolith::e2e {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A pipe with a name, which never ends for its reader.
-class CommandPipe {
-public:
-  explicit CommandPipe(const fs::path& file) : file_(file) {
-    if (::mkfifo(file.c_str(), 0600) != 0) throw std::runtime_error("no pipe at " + file.string());
-    descriptor_ = ::open(file.c_str(), O_RDWR | O_CLOEXEC);
-  }
-  CommandPipe(const CommandPipe&) = delete;
-  CommandPipe& operator=(const CommandPipe&) = delete;
-  ~CommandPipe() { ::close(descriptor_); }
-
-  [[nodiscard]] const fs::path& file() const { return file_; }
-  void write(const std::string& line) const {
-    const std::string text = line + '\n';
-    if (::write(descriptor_, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-      throw std::runtime_error("the pipe takes no line");
-  }
-
-private:
-  fs::path file_;
-  int descriptor_ = -1;
-};
-
-/// A systemd that has the helper's unit enabled, or not.
-class MockSystemd {
-public:
-  explicit MockSystemd(const PrivateBus& bus)
-      : peer_(bus,
-              {"org.freedesktop.systemd1", "/org/freedesktop/systemd1", "org.freedesktop.systemd1.Manager"}) {
-    peer_.answer("Subscribe", "", "", "");
-  }
-  void unitIs(const std::string& state) {
-    peer_.answer("GetUnitFileState", "s", "s", "ret = '" + state + "'");
-    peer_.emit("UnitFilesChanged", "");
-  }
-
-private:
-  MockPeer peer_;
-};
 
 class RunningApplication : public testing::Test {
 protected:

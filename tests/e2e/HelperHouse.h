@@ -70,6 +70,7 @@ public:
   HelperHouse();
 
   [[nodiscard]] Simulator& mac() { return mac_; }
+  [[nodiscard]] const Simulator& mac() const { return mac_; }
   [[nodiscard]] PrivateBus& bus() { return bus_; }
   [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
 

@@ -32,15 +32,18 @@ private:
 
 TEST_F(Installed, IsAllThere) {
   for (const char* const path :
-       {"usr/bin/ventolithctl", "usr/libexec/ventolith-helper",
+       {"usr/bin/ventolith", "usr/bin/ventolithctl", "usr/libexec/ventolith-helper",
         "usr/lib/systemd/system/ventolith-helper.service",
         "usr/share/dbus-1/system.d/com.ventolith.helper.conf",
         "usr/share/dbus-1/system-services/com.ventolith.helper.service",
-        "usr/share/polkit-1/actions/com.ventolith.helper.policy", "usr/share/man/man1/ventolithctl.1",
-        "usr/share/man/man8/ventolith-helper.8", "usr/share/bash-completion/completions/ventolithctl",
+        "usr/share/polkit-1/actions/com.ventolith.helper.policy", "usr/share/man/man1/ventolith.1",
+        "usr/share/man/man1/ventolithctl.1", "usr/share/man/man8/ventolith-helper.8",
+        "usr/share/bash-completion/completions/ventolithctl",
         "usr/share/zsh/vendor-completions/_ventolithctl",
         "usr/share/fish/vendor_completions.d/ventolithctl.fish", "usr/share/doc/ventolith/docs/security.md",
-        "usr/share/ventolith/Info.plist"})
+        "usr/share/ventolith/Info.plist", "usr/share/ventolith/THIRD_PARTY_NOTICES.md",
+        "usr/share/applications/com.ventolith.app.desktop",
+        "usr/share/icons/hicolor/scalable/apps/com.ventolith.app.svg"})
     EXPECT_TRUE(fs::is_regular_file(file(path))) << path;
 }
 
@@ -55,6 +58,25 @@ TEST_F(Installed, NamesOnlyProgramsThatAreThere) {
       named.insert((*match)[1].str());
     EXPECT_EQ(named, std::set<std::string>{"/usr/libexec/ventolith-helper"}) << path;
   }
+}
+
+TEST_F(Installed, TheDesktopFindsTheApplicationAndItsIcon) {
+  const std::string entry = text("usr/share/applications/com.ventolith.app.desktop");
+  std::smatch named;
+  ASSERT_TRUE(std::regex_search(entry, named, std::regex("\nExec=([^ \n]+)\n")));
+  EXPECT_TRUE(fs::is_regular_file(file("usr/bin/" + named[1].str())));
+  ASSERT_TRUE(std::regex_search(entry, named, std::regex("\nIcon=([^\n]+)\n")));
+  EXPECT_TRUE(fs::is_regular_file(file("usr/share/icons/hicolor/scalable/apps/" + named[1].str() + ".svg")));
+}
+
+TEST_F(Installed, TheNoticesNameWhatIsIncludedAndCarryItsTerms) {
+  const std::string notices = text("usr/share/ventolith/THIRD_PARTY_NOTICES.md");
+  for (const std::string component :
+       {"Boost", "CLI11", "{fmt}", "JSON for Modern C++", "libsodium", "Qt", "sdbus-c++"})
+    EXPECT_NE(notices.find("\n## " + component + "\n"), std::string::npos) << component;
+  EXPECT_NE(notices.find("Boost Software License - Version 1.0"), std::string::npos);
+  EXPECT_NE(notices.find("Niels Lohmann"), std::string::npos);
+  EXPECT_NE(notices.find("Permission is hereby granted, free of charge"), std::string::npos);
 }
 
 TEST_F(Installed, TheBusStartsTheServiceUnderTheNameThatEnablingItMakes) {

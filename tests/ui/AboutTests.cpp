@@ -7,6 +7,7 @@
 #include "ui/UpdateCheckButton.h"
 #include "ui/kit/ScrollArea.h"
 
+#include <QFocusFrame>
 #include <QScrollBar>
 
 #include <memory>
@@ -124,6 +125,18 @@ TEST_F(AboutTest, NoticesFillTheWidthOfTheirCardAndAreAsHighAsTheirLines) {
   EXPECT_EQ(notices().height(), 3 * 16);
 }
 
+TEST_F(AboutTest, AThousandLinesOfNoticesHaveTheirHeightAtOnce) {
+  std::string text = "first";
+  for (int line = 1; line < 1000; ++line)
+    text += "\nLine " + std::to_string(line);
+  writeNotices(text);
+  show();
+  EXPECT_EQ(notices().height(), 1000 * 16);
+  view->resize(900, 500);
+  turn();
+  EXPECT_EQ(notices().height(), 1000 * 16);
+}
+
 TEST_F(AboutTest, LongLinesOfNoticesAreBrokenAnewAtEachWidth) {
   writeNotices(std::string(60, 'a') + " " + std::string(60, 'b') + " " + std::string(60, 'c'));
   show();
@@ -156,6 +169,50 @@ TEST_F(AboutTest, TheKeyboardScrollsTheScreenFromWithinTheNotices) {
   EXPECT_GT(bar().value(), before);
 }
 
+TEST_F(AboutTest, TheScreenFollowsTheEndOfASelectionByKeyboard) {
+  writeNotices(manyLines());
+  show();
+  view->activateWindow();
+  notices().setFocus();
+  for (int line = 0; line < 100; ++line)
+    QTest::keyClick(&notices(), Qt::Key_Down, Qt::ShiftModifier);
+  const int end = notices().mapTo(view.get(), notices().cursorRect().center()).y();
+  EXPECT_GT(bar().value(), 0);
+  EXPECT_GT(end, 0);
+  EXPECT_LT(end, view->height());
+}
+
+TEST_F(AboutTest, TheScreenFollowsTheEndOfASelectionByPointer) {
+  writeNotices(manyLines());
+  show();
+  const QPoint below(40, 900);
+  QTest::mousePress(notices().viewport(), Qt::LeftButton, {}, QPoint(40, 8));
+  QMouseEvent move(QEvent::MouseMove, below, notices().viewport()->mapToGlobal(below), Qt::NoButton,
+                   Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(notices().viewport(), &move);
+  EXPECT_GT(bar().value(), 0);
+  EXPECT_TRUE(notices().textCursor().hasSelection());
+}
+
+TEST_F(AboutTest, SelectingAllOfTheNoticesStaysWhereItIs) {
+  writeNotices(manyLines());
+  show();
+  view->activateWindow();
+  notices().setFocus();
+  QTest::keySequence(&notices(), QKeySequence::SelectAll);
+  EXPECT_EQ(bar().value(), 0);
+}
+
+TEST_F(AboutTest, NoticesThatTheKeyboardReachesHaveARing) {
+  writeNotices("One line");
+  show();
+  view->activateWindow();
+  notices().setFocus(Qt::TabFocusReason);
+  EXPECT_EQ(view->findChildren<QFocusFrame*>().size(), 1);
+  buttonIn(*view, "Check for Updates").setFocus(Qt::MouseFocusReason);
+  EXPECT_EQ(seenIn<QFocusFrame>(*view).size(), 0U);
+}
+
 TEST_F(AboutTest, TabLeavesTheNotices) {
   supportURL = "https://example.com/support";
   writeNotices("One line");
@@ -171,10 +228,21 @@ TEST_F(AboutTest, TabLeavesTheNotices) {
 }
 
 TEST_F(AboutTest, CardsKeepTheirHeightInATallWindow) {
+  writeNotices("one\ntwo\nthree");
   show();
+  const auto heights = [this] {
+    std::vector<int> all;
+    for (const Card* card : view->findChildren<Card*>())
+      all.push_back(card->height());
+    return all;
+  };
+  const std::vector<int> before = heights();
+  ASSERT_EQ(before.size(), 3U);
+  EXPECT_EQ(before[0], 64 + 2 * 16);
+  EXPECT_EQ(before[1], 28 + 2 * 12);
   view->resize(700, 1400);
   turn();
-  EXPECT_EQ(view->findChildren<Card*>().at(0)->height(), 64 + 2 * 16);
+  EXPECT_EQ(heights(), before);
 }
 
 TEST_F(AboutTest, AReadingOfTheMachineRepaintsNothing) {

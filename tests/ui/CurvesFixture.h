@@ -6,6 +6,7 @@
 #include "ui/CurveChart.h"
 #include "ui/CurvesView.h"
 #include "ui/kit/CheckBox.h"
+#include "ui/kit/Controls.h"
 #include "ui/kit/Picker.h"
 #include "ui/kit/Popover.h"
 #include "ui/kit/Slider.h"

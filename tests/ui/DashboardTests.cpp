@@ -2,8 +2,10 @@
 #include "ViewFixture.h"
 #include "ui/DashboardView.h"
 #include "ui/KitValues.h"
+#include "ui/kit/ScrollArea.h"
 
 #include <QAccessible>
+#include <QScrollBar>
 
 #include <memory>
 
@@ -106,6 +108,23 @@ TEST_F(DashboardTest, AFreshReadingKeepsTheTilesAndTheKeyboard) {
   EXPECT_EQ(tiles(), before);
   EXPECT_TRUE(shows(*before[1], "4321"));
   EXPECT_EQ(view->focusWidget(), &automatic);
+}
+
+TEST_F(DashboardTest, AFanThatComesOrGoesEndsNoDragOfTheOnesBeforeIt) {
+  readings.next = app::snapshot({app::fan(0), app::fan(1)});
+  showWithHelper();
+  FanTileView* const first = tiles().at(0);
+  Slider& slider = *first->findChild<Slider*>();
+  QTest::mousePress(&slider, Qt::LeftButton, Qt::NoModifier, slider.rect().center());
+  for (const auto& fans : {std::vector{app::fan(0)}, std::vector{app::fan(0), app::fan(2), app::fan(1)}}) {
+    read(app::snapshot(fans, {}));
+    ASSERT_EQ(tiles().size(), fans.size());
+    for (std::size_t place = 0; place < fans.size(); ++place)
+      EXPECT_EQ(tiles()[place]->fanID(), fans[place].id);
+    EXPECT_EQ(tiles()[0], first);
+    EXPECT_TRUE(slider.isPressed());
+  }
+  QTest::mouseRelease(&slider, Qt::LeftButton);
 }
 
 TEST_F(DashboardTest, ASensorRowSaysWhatItReadsInTheColourOfTheScale) {
@@ -315,6 +334,20 @@ TEST_F(DashboardTest, TheKeyboardGoesFromTheBannerThroughTheTiles) {
   EXPECT_EQ(view->focusWidget(), &buttonIn(*tiles()[0], "Auto"));
   QTest::keyClick(view->focusWidget(), Qt::Key_Tab);
   EXPECT_EQ(view->focusWidget(), &buttonIn(*tiles()[1], "Auto"));
+}
+
+TEST_F(DashboardTest, ThePageKeysScrollFromAButton) {
+  for (int index = 0; index < 64; ++index)
+    readings.next.temps.push_back(support::sensor(std::to_string(index), 50));
+  showWithHelper();
+  view->activateWindow();
+  Button& automatic = buttonIn(*tiles()[1], "Auto");
+  automatic.setFocus();
+  const QScrollBar& bar = *view->findChild<ScrollArea*>()->verticalScrollBar();
+  QTest::keyClick(&automatic, Qt::Key_PageDown);
+  EXPECT_EQ(bar.value(), bar.pageStep());
+  QTest::keyClick(&automatic, Qt::Key_PageUp);
+  EXPECT_EQ(bar.value(), 0);
 }
 
 TEST_F(DashboardTest, CardsAndTheBannerHaveNames) {

@@ -127,6 +127,21 @@ TEST_F(FanTileTest, AReadingDuringADragMovesTheFiguresAndNotTheSlider) {
   letGo();
 }
 
+TEST_F(FanTileTest, NothingMovesBesideAKnobThatIsDragged) {
+  showWith(FanControlModePlan::fixedRPM(5000));
+  theme.force({.reduceMotion = false});
+  core::Fan fan = model->snapshot().fans.at(0);
+  press(5000);
+  fan.currentRPM = fan.maxRPM;
+  tile->refresh(fan);
+  EXPECT_FALSE(tile->findChild<Gauge*>()->isMoving());
+  EXPECT_DOUBLE_EQ(tile->findChild<Gauge*>()->shownFraction(), 1);
+  letGo();
+  fan.currentRPM = fan.minRPM;
+  tile->refresh(fan);
+  EXPECT_TRUE(tile->findChild<Gauge*>()->isMoving());
+}
+
 TEST_F(FanTileTest, ATileThatGoesDuringADragCommitsIt) {
   showWith(FanControlModePlan::fixedRPM(5000));
   press(5000);
@@ -135,6 +150,50 @@ TEST_F(FanTileTest, ATileThatGoesDuringADragCommitsIt) {
   settle();
   EXPECT_TRUE(model->draggingFans().empty());
   EXPECT_EQ(model->mode(model->snapshot().fans.at(0)), ControlMode::manual);
+}
+
+TEST_F(FanTileTest, ACurveThatTakesTheFanDuringADragHasIt) {
+  const app::FanPreset quiet = preset("Whisper", support::planOf(support::percentAsCelsius()));
+  showWith(FanControlModePlan::fixedRPM(5000));
+  model->addOrUpdatePreset(quiet);
+  press(5000);
+  dragTo(3000);
+  model->activatePreset(quiet); // As a change of the power source does.
+  refresh();
+  EXPECT_FALSE(slider().isEnabled());
+  EXPECT_TRUE(model->draggingFans().empty());
+  letGo();
+  refresh();
+  EXPECT_EQ(model->activePresetID(), quiet.id);
+  EXPECT_TRUE(shows(*tile, "Curve · Whisper"));
+  EXPECT_DOUBLE_EQ(slider().value(), model->sliderValue(model->snapshot().fans.at(0)));
+}
+
+TEST_F(FanTileTest, AKeyHeldOnASliderThatIsDisabledHitsNothingElse) {
+  showWith(FanControlModePlan::fixedRPM(5000));
+  tile->activateWindow();
+  slider().setFocus();
+  QTest::keyPress(&slider(), Qt::Key_Right);
+  model->applyPlan(support::planOf(support::percentAsCelsius()));
+  refresh();
+  EXPECT_EQ(tile->focusWidget(), nullptr);
+  EXPECT_EQ(model->mode(model->snapshot().fans.at(0)), ControlMode::curve);
+  model->setFanAutomatic(model->snapshot().fans.at(0));
+  refresh();
+  EXPECT_EQ(tile->focusWidget(), &slider());
+}
+
+TEST_F(FanTileTest, AHelperThatGoesDuringADragTakesNoSpeedWithIt) {
+  showWith(FanControlModePlan::fixedRPM(5000));
+  press(5000);
+  dragTo(3000);
+  setHelper(app::DaemonStatus::notRegistered);
+  refresh();
+  EXPECT_FALSE(slider().isEnabled());
+  EXPECT_TRUE(model->draggingFans().empty());
+  EXPECT_EQ(model->planMode(0), FanControlModePlan::fixedRPM(5000));
+  refresh();
+  EXPECT_DOUBLE_EQ(slider().value(), 5000);
 }
 
 TEST_F(FanTileTest, FullBlastHoldsTheFanAtItsMaximum) {

@@ -147,6 +147,22 @@ INSTANTIATE_TEST_SUITE_P(Corners, MenuBarExtraCornerTest,
                                          Corner{"AtTheFarTop", 0, 0}),
                          [](const auto& info) { return info.param.name; });
 
+TEST_F(MenuBarExtraTest, TheKeyboardBeginsAtTheTopAtEachOpening) {
+  showOpen();
+  popover()->activateWindow();
+  for (int step = 0; step < 2; ++step)
+    QTest::keyClick(popover(), Qt::Key_Tab);
+  const QWidget* const second = popover()->focusWidget();
+  ASSERT_NE(second, nullptr);
+  extra->toggle();
+  wait();
+  open();
+  EXPECT_EQ(popover()->focusWidget(), nullptr);
+  for (int step = 0; step < 2; ++step)
+    QTest::keyClick(popover(), Qt::Key_Tab);
+  EXPECT_EQ(popover()->focusWidget(), second);
+}
+
 TEST_F(MenuBarExtraTest, AClosedPanelTakesNothingUp) {
   showOpen();
   extra->toggle();

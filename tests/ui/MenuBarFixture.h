@@ -36,6 +36,11 @@ protected:
   [[nodiscard]] QStringList header() const { return textsIn(*view->findChild<MenuBarHeader*>()); }
   [[nodiscard]] QStringList chips() const { return textsIn(*view->findChild<SensorChipsRow*>()); }
   [[nodiscard]] std::vector<FanControlBlock*> blocks() const { return seenIn<FanControlBlock>(*view); }
+  [[nodiscard]] FanControlBlock& blockOf(core::FanID fan) const {
+    for (FanControlBlock* block : blocks())
+      if (block->fanID() == fan) return *block;
+    throw std::logic_error("no block is that fan's");
+  }
   [[nodiscard]] std::size_t dividers() const {
     std::size_t count = 0;
     for (const Divider* divider : seenIn<Divider>(*view))

@@ -82,6 +82,18 @@ TEST_F(MenuBarViewTest, LongNamesOfChipsGiveWayToTheirFigures) {
   EXPECT_LE(view->findChild<SensorChipsRow*>()->width(), 290);
 }
 
+TEST_F(MenuBarViewTest, LongNamesOfChipsShareTheRoomThatAShortOneLeaves) {
+  readings.next.temps = {sensor("Thermal diode beside the connector", 100), sensor("CPU", 100),
+                         sensor("Thermal diode behind the second power supply", 100)};
+  begin();
+  show();
+  const auto labels = seenIn<TextLabel>(*view->findChild<SensorChipsRow*>());
+  ASSERT_EQ(labels.size(), 6U);
+  EXPECT_EQ(labels[2]->width(), labels[2]->sizeHint().width());
+  EXPECT_NEAR(labels[0]->width(), labels[4]->width(), 1);
+  EXPECT_GT(labels[0]->width(), labels[2]->width());
+}
+
 TEST_F(MenuBarViewTest, TheStatusWordIsTheActivePresetsName) {
   const core::FanPreset quiet{.name = "Night", .plan = fixed({{0, 2500}})};
   beginWithHelper();
@@ -104,6 +116,7 @@ TEST_F(MenuBarViewTest, AMachineWithoutFansSaysSo) {
   show();
   EXPECT_TRUE(shows(*view, "No fans detected"));
   EXPECT_TRUE(blocks().empty());
+  EXPECT_TRUE(shows(*view, "Preset"));
 }
 
 TEST_F(MenuBarViewTest, BlocksStandInTheOrderOfTheReading) {
@@ -131,6 +144,32 @@ TEST_F(MenuBarViewTest, OtherFansGetBlocksOfTheirOwn) {
   read(app::snapshot({app::fan(7)}, {support::sensor("A", 50)}));
   ASSERT_EQ(blocks().size(), 1U);
   EXPECT_EQ(blocks()[0]->fanID(), 7);
+}
+
+TEST_F(MenuBarViewTest, AFanThatComesOrGoesLeavesTheBlocksOfTheOthers) {
+  showWithHelper();
+  FanControlBlock* const second = blocks().at(1);
+  const core::Fan first = readings.next.fans.at(0);
+  const core::Fan stays = readings.next.fans.at(1);
+  read(app::snapshot({stays}));
+  EXPECT_EQ(blocks(), std::vector{second});
+  read(app::snapshot({first, stays}));
+  ASSERT_EQ(blocks().size(), 2U);
+  EXPECT_EQ(blockOf(first.id).mapTo(view.get(), QPoint()).y() + 48 + 14,
+            second->mapTo(view.get(), QPoint()).y());
+  EXPECT_EQ(&blockOf(stays.id), second);
+}
+
+TEST_F(MenuBarViewTest, ADragGoesOnWhenAnotherFanGoes) {
+  showWithHelper();
+  const core::Fan stays = readings.next.fans.at(1);
+  Slider& slider = *blockOf(stays.id).findChild<Slider*>();
+  QTest::mousePress(&slider, Qt::LeftButton, {}, slider.geometryOf().knobCentre(slider.value()).toPoint());
+  read(app::snapshot({stays}));
+  EXPECT_EQ(model->draggingFans(), std::set<core::FanID>{stays.id});
+  QTest::mouseRelease(&slider, Qt::LeftButton, {}, slider.geometryOf().knobCentre(5000).toPoint());
+  turn();
+  EXPECT_TRUE(model->draggingFans().empty());
 }
 
 TEST_F(MenuBarViewTest, RestoreAutoGivesEveryFanBack) {
@@ -255,6 +294,17 @@ TEST_F(MenuBarViewTest, TheKeyboardKeepsItsOrderWhenFansCome) {
   EXPECT_EQ(
       keyboardOrder().mid(0, 5).join(QStringLiteral(" | ")).toStdString(),
       "Fan speed | Set Fan to Full Blast | Restore automatic control for Fan | Restart Helper | Automatic");
+}
+
+TEST_F(MenuBarViewTest, TheKeyboardFollowsTheOrderOfTheFans) {
+  readings.next = app::snapshot({{.id = 0, .name = "Left"}, {.id = 1, .name = "Right"}});
+  beginWithHelper();
+  show();
+  read(app::snapshot({{.id = 1, .name = "Right"}, {.id = 0, .name = "Left"}}));
+  const QStringList order = keyboardOrder();
+  EXPECT_EQ(order.at(0).toStdString(), "Right speed");
+  EXPECT_EQ(order.at(3).toStdString(), "Left speed");
+  EXPECT_EQ(order.at(6).toStdString(), "Automatic");
 }
 
 TEST_F(MenuBarViewTest, WhereTheScreenIsLowTheFansScroll) {

@@ -1,5 +1,7 @@
 #include "PresetsFixture.h"
 
+#include <QPointer>
+
 namespace ventolith::ui {
 namespace {
 
@@ -31,6 +33,14 @@ TEST_F(PresetCardTest, ThumbnailSaysManualForAFirstFanWithoutACurve) {
   EXPECT_EQ(lastCard().caption().text(), QStringLiteral("Custom"));
   add("None", {});
   EXPECT_EQ(lastCard().thumbnail().content().text, QStringLiteral("No fans configured"));
+}
+
+TEST_F(PresetCardTest, ThumbnailIsSpokenOfInAWord) {
+  beginAndShow();
+  EXPECT_EQ(spoken(card(0).thumbnail()).role(), QAccessible::StaticText);
+  EXPECT_EQ(spoken(card(0).thumbnail()).text(QAccessible::Name), QStringLiteral("Fan curve"));
+  add("None", {});
+  EXPECT_EQ(spoken(lastCard().thumbnail()).text(QAccessible::Name), QStringLiteral("No fans configured"));
 }
 
 TEST_F(PresetCardTest, CurveRunsFromCornerToCornerOfItsInset) {
@@ -128,6 +138,37 @@ TEST_F(PresetCardTest, DeleteTakesThePresetAwayAtOnce) {
   choose(lastCard().menu(), remove);
   EXPECT_EQ(names(), (std::vector<std::string>{"Quiet", "Balanced", "Max"}));
   EXPECT_EQ(model->presets().size(), 3U);
+}
+
+TEST_F(PresetCardTest, PresetThatGoesUnderItsOpenMenuTakesItAlong) {
+  beginAndShow();
+  const core::FanPreset mine = add("Mine", {});
+  lastCard().menu().openMenu();
+  const QPointer<MenuPanel> menu = &lastCard().menu().menu();
+  model->deletePreset(mine);
+  turn();
+  EXPECT_TRUE(menu == nullptr || !menu->isVisible());
+  EXPECT_EQ(names(), (std::vector<std::string>{"Quiet", "Balanced", "Max"}));
+}
+
+TEST_F(PresetCardTest, PresetThatGoesWhileItsNameIsWrittenGivesTheKeyboardToAnother) {
+  beginAndShow();
+  const core::FanPreset mine = add("Mine", {});
+  choose(lastCard().menu(), rename);
+  model->deletePreset(mine);
+  turn();
+  EXPECT_EQ(names(), (std::vector<std::string>{"Quiet", "Balanced", "Max"}));
+  EXPECT_TRUE(lastCard().menu().hasFocus());
+}
+
+TEST_F(PresetCardTest, EmptyNameChangesNothing) {
+  beginAndShow();
+  choose(card(0).menu(), rename);
+  type(card(0), "");
+  QTest::keyClick(&card(0).nameField(), Qt::Key_Return);
+  turn();
+  EXPECT_FALSE(card(0).isEditingName());
+  EXPECT_EQ(card(0).name().text(), QStringLiteral("Quiet"));
 }
 
 TEST_F(PresetCardTest, RenameWritesInPlaceOfTheName) {

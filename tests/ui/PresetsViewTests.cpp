@@ -19,6 +19,14 @@ TEST_F(PresetsViewTest, ShowsACardForEachPresetAndOneForAnother) {
   EXPECT_EQ(view->newPresetCard().x(), card(0).x());
 }
 
+TEST_F(PresetsViewTest, WithoutPresetsTheNewCardStandsAlone) {
+  readings.next = {};
+  beginAndShow();
+  EXPECT_TRUE(names().empty());
+  EXPECT_TRUE(view->newPresetCard().isVisible());
+  EXPECT_EQ(view->autoSwitch().onAC().titles(), QStringList{QStringLiteral("Don't change")});
+}
+
 TEST_F(PresetsViewTest, CardsFollowTheOrderOfThePresets) {
   beginAndShow();
   add("Mine", {});

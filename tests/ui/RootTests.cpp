@@ -4,6 +4,7 @@
 #include "ui/DashboardWindow.h"
 #include "ui/RootView.h"
 
+#include <QAccessible>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QSplitter>
@@ -67,6 +68,12 @@ TEST_F(RootTest, TheSidebarListsEverySection) {
     rows << sidebar().item(row)->text();
   EXPECT_EQ(rows, (QStringList{QStringLiteral("Dashboard"), QStringLiteral("Fan Curves"),
                                QStringLiteral("Rules"), QStringLiteral("Presets"), QStringLiteral("About")}));
+}
+
+TEST_F(RootTest, TheSidebarHasAName) {
+  show();
+  QAccessibleInterface& its = *QAccessible::queryAccessibleInterface(&sidebar());
+  EXPECT_EQ(its.text(QAccessible::Name), QStringLiteral("Screens"));
 }
 
 class RootSectionTest : public RootTest, public testing::WithParamInterface<AppSection> {};

@@ -1,6 +1,9 @@
 #include "RulesFixture.h"
 
 #include "ui/kit/Palette.h"
+#include "ui/kit/Type.h"
+
+#include <cmath>
 
 namespace ventolith::ui {
 namespace {
@@ -200,13 +203,39 @@ TEST_F(RuleRowTest, OpenMenuStaysOpenAndTakesUpAnotherSensor) {
 }
 
 TEST_F(RuleRowTest, ControlsKeepTheirPlacesWhileTheirValuesChange) {
+  core::FanRule one = ruleAt(85);
+  one.targetPercent = 5;
+  one.dwellSeconds = 9;
+  showRules({one});
+  const auto places = [&] {
+    std::vector<QRect> all;
+    for (QWidget* stop : row(0).tabStops())
+      all.push_back(stop->geometry());
+    return all;
+  };
+  const std::vector<QRect> before = places();
+  row(0).thresholdStepper().want(9);
+  row(0).targetPercentStepper().want(95);
+  row(0).dwellStepper().want(10);
+  turn();
+  EXPECT_EQ(row(0).dwellStepper().label(), QStringLiteral("dwell 10s"));
+  EXPECT_EQ(places(), before);
+}
+
+TEST_F(RuleRowTest, LabelsStandRightBeforeTheirArrows) {
+  showRules({ruleAt(85)});
+  Stepper& stepper = row(0).thresholdStepper();
+  const double label = TextLine(stepper.label(), TextRole::stepperLabel).width();
+  EXPECT_EQ(stepper.arrow(1).left(), static_cast<int>(std::ceil(label)) + 6);
+}
+
+TEST_F(RuleRowTest, LabelOfThreeDigitsTakesWhatItNeeds) {
   showRules({ruleAt(99)});
-  const int arrows = row(0).thresholdStepper().geometry().right();
-  const int words = row(0).fanMenu().x();
+  const int before = row(0).thresholdStepper().width();
   row(0).thresholdStepper().want(100);
   turn();
-  EXPECT_EQ(row(0).thresholdStepper().geometry().right(), arrows);
-  EXPECT_EQ(row(0).fanMenu().x(), words);
+  const double digit = TextLine(QStringLiteral("1"), TextRole::stepperLabel).width();
+  EXPECT_NEAR(row(0).thresholdStepper().width(), before + digit, 1);
 }
 
 TEST_F(RuleRowTest, ControlsHaveSpokenNames) {

@@ -1,5 +1,8 @@
 #include "RulesFixture.h"
 
+#include <QPointer>
+#include <QPropertyAnimation>
+
 namespace ventolith::ui {
 namespace {
 
@@ -106,6 +109,47 @@ TEST_F(RulesListTest, EscapeLetsTheRowReturn) {
   EXPECT_FALSE(list().isDragging());
   letGo();
   EXPECT_EQ(thresholds(), (std::vector<double>{85, 62}));
+}
+
+TEST_F(RulesListTest, DragWhoseEndWasNotSeenIsOverWithTheNextPress) {
+  showRules({ruleAt(85), ruleAt(62)});
+  const int first = row(0).y();
+  press(row(0));
+  dragBy(100);
+  press(row(1));
+  EXPECT_FALSE(list().isDragging());
+  EXPECT_EQ(row(0).y(), first);
+  letGo();
+  EXPECT_EQ(thresholds(), (std::vector<double>{85, 62}));
+}
+
+TEST_F(RulesListTest, DragOfAListThatGoesAwayIsOver) {
+  showRules({ruleAt(85), ruleAt(62)});
+  press(row(0));
+  dragBy(100);
+  view->hide();
+  EXPECT_FALSE(list().isDragging());
+  letGo();
+  EXPECT_EQ(thresholds(), (std::vector<double>{85, 62}));
+}
+
+TEST_F(RulesListTest, EditOfARuleThatIsGoneAlreadyBringsItNotBack) {
+  showRules({ruleAt(85), ruleAt(62)});
+  model->deleteRule(rules()[0].id);
+  click(row(0).enabledToggle()); // Before the list has had the word.
+  turn();
+  EXPECT_EQ(thresholds(), std::vector<double>{62});
+  EXPECT_EQ(thresholdsShown(), std::vector<double>{62});
+}
+
+TEST_F(RulesListTest, OpenMenuOfARowThatGoesGoesWithIt) {
+  showRules({ruleAt(85), ruleAt(62)});
+  row(0).sensorMenu().openMenu();
+  const QPointer<MenuPanel> menu = &row(0).sensorMenu().menu();
+  model->deleteRule(rules()[0].id);
+  turn();
+  EXPECT_TRUE(menu == nullptr || !menu->isVisible());
+  EXPECT_EQ(thresholdsShown(), std::vector<double>{62});
 }
 
 TEST_F(RulesListTest, RulesThatChangeUnderADragEndIt) {
@@ -247,9 +291,12 @@ TEST_F(RulesListTest, RowsSlideToTheirPlacesWhereThingsMayMove) {
   theme.force({.reduceMotion = false});
   const int first = row(0).y();
   model->moveRules({1}, 0);
-  turn();
+  list().refresh(); // No turn: the way takes real time.
   EXPECT_EQ(list().slot(0).y(), first);
   EXPECT_GT(row(0).y(), first) << "it is on its way";
+  auto& way = *row(0).findChild<QPropertyAnimation*>();
+  way.setCurrentTime(way.duration());
+  EXPECT_EQ(row(0).y(), first);
 }
 
 } // namespace

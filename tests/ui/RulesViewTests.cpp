@@ -18,6 +18,17 @@ TEST_F(RulesViewTest, WithoutRulesItSaysWhatTheyAreFor) {
   EXPECT_FALSE(list().isVisible());
 }
 
+TEST_F(RulesViewTest, EmptyStateStandsALittleAboveTheMiddle) {
+  begin();
+  show();
+  const QWidget& button = view->createFirstRuleButton();
+  const int content = 44 + 14 + 20 + 4 + 2 * 18 + 16 + 28; // Icon, heading, two lines of text, button.
+  const int free = view->height() - 78 - view->emptyState().y();
+  const int bottom = view->emptyState().y() + button.geometry().bottom() + 1;
+  EXPECT_NEAR(bottom, view->emptyState().y() + (free + content) / 2, 1);
+  EXPECT_EQ(button.geometry().center().x(), view->emptyState().rect().center().x());
+}
+
 TEST_F(RulesViewTest, BothButtonsAddARuleAtOnce) {
   begin();
   show();

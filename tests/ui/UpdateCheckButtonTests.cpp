@@ -84,6 +84,46 @@ TEST_F(UpdateCheckButtonTest, ANewCheckDuringAResultTakesTheDisplayOver) {
   EXPECT_EQ(title(), "Checking…");
 }
 
+TEST_F(UpdateCheckButtonTest, TheKeyboardDoesNotPassToTheNextControlDuringACheck) {
+  QWidget window;
+  begin();
+  button = std::make_unique<UpdateCheckButton>(*context, ButtonKind::bordered, &window);
+  Button next(theme, ButtonKind::bordered, ButtonSize::normal, &window);
+  window.show();
+  window.activateWindow();
+  turn();
+  button->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(button.get(), Qt::Key_Space);
+  turn();
+  button->refresh();
+  ASSERT_FALSE(button->isEnabled());
+  EXPECT_EQ(window.focusWidget(), nullptr);
+  engine().didNotFindUpdate();
+  turn();
+  button->refresh();
+  EXPECT_EQ(window.focusWidget(), button.get());
+  button = nullptr;
+}
+
+TEST_F(UpdateCheckButtonTest, AfterACheckTheKeyboardStaysWhereItWentMeanwhile) {
+  QWidget window;
+  begin();
+  button = std::make_unique<UpdateCheckButton>(*context, ButtonKind::bordered, &window);
+  Button next(theme, ButtonKind::bordered, ButtonSize::normal, &window);
+  window.show();
+  window.activateWindow();
+  turn();
+  button->setFocus(Qt::TabFocusReason);
+  check();
+  button->refresh();
+  next.setFocus(Qt::TabFocusReason);
+  engine().didNotFindUpdate();
+  turn();
+  button->refresh();
+  EXPECT_EQ(window.focusWidget(), &next);
+  button = nullptr;
+}
+
 TEST_F(UpdateCheckButtonTest, IsAsWideAsItsOfferWhateverItSays) {
   show();
   const QSize before = button->sizeHint();

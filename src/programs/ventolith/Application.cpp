@@ -2,9 +2,9 @@
 
 #include "helper/link/HostedDaemonService.h"
 #include "platform/system/UserFolders.h"
-#include "platform/system/desktop/FeedUpdateEngine.h"
 #include "platform/system/desktop/OpenURL.h"
 #include "platform/system/desktop/SystemPowerSource.h"
+#include "platform/system/desktop/UpdateEngines.h"
 #include "platform/system/service/ErrorLine.h"
 
 #include <cstdio>
@@ -30,11 +30,11 @@ platform::ServiceOptions serviceOptions(const Environment& environment) {
 app::UpdateEngineFactory updateEngines(const Executors& executors, const app::BundleInfo& bundle) {
   auto running = app::AppReleaseMetadata::ofBundle(bundle);
   if (!running) return [](auto&&...) { return nullptr; };
-  return platform::feedUpdateEngines({.mainExecutor = executors.main,
-                                      .engineExecutor = executors.engine,
-                                      .clock = executors.engineClock,
-                                      .running = std::move(*running),
-                                      .openPage = platform::openURL});
+  return platform::systemUpdateEngines({.mainExecutor = executors.main,
+                                        .engineExecutor = executors.engine,
+                                        .clock = executors.engineClock,
+                                        .running = std::move(*running),
+                                        .openPage = platform::openURL});
 }
 
 void writeLine(const std::string& line) {
@@ -49,7 +49,7 @@ Application::Application(const Executors& executors, const Environment& environm
       smc_(executors.engine, *machine_.smc),
       sensors_(executors.engine, smc_, *machine_.hid, executors.engineClock, platform::sayOnStandardError),
       services_(executors.engine, executors.engineClock, serviceOptions(environment)),
-      bundle_(files_, platform::InstalledBundle::propertyListBesideProgram()),
+      bundle_(platform::InstalledBundle::ofProgram(files_)),
       lifecycle_(app::UserSettings(files_, platform::userConfigurationFolder)),
       model_(app::AppModel::make(dependencies(executors, environment))) {
   if (bundle_.complaint()) platform::sayOnStandardError("ventolith: " + *bundle_.complaint());

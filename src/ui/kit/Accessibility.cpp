@@ -1,6 +1,7 @@
 #include "ui/kit/Accessibility.h"
 
 #include "ui/kit/MenuButton.h"
+#include "ui/kit/Notices.h"
 #include "ui/kit/Picker.h"
 #include "ui/kit/Popover.h"
 #include "ui/kit/Slider.h"
@@ -8,6 +9,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QCheckBox>
 #include <QLocale>
 
 #include <cmath>
@@ -97,7 +99,7 @@ private:
 };
 
 /// A button with a menu, or a picker. What it shows is its name, unless it has another: then it is its value.
-class MenuButtonAccessible final : public QAccessibleWidget {
+class MenuButtonAccessible : public QAccessibleWidget {
 public:
   MenuButtonAccessible(MenuButton& button, QAccessible::Role role)
       : QAccessibleWidget(&button, role), button_(button) {}
@@ -135,18 +137,98 @@ private:
   MenuButton& button_;
 };
 
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+/// What is chosen can be read, too: not every system hands on a value in words.
+class PickerAccessible final : public MenuButtonAccessible, public QAccessibleTextInterface {
+public:
+  explicit PickerAccessible(Picker& picker) : MenuButtonAccessible(picker, QAccessible::ComboBox) {}
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+    return MenuButtonAccessible::interface_cast(type);
+  }
+
+  using MenuButtonAccessible::text;
+  [[nodiscard]] QString text(int start, int end) const override { return chosen().mid(start, end - start); }
+  [[nodiscard]] int characterCount() const override { return static_cast<int>(chosen().size()); }
+  [[nodiscard]] QRect characterRect(int) const override { return rect(); }
+  [[nodiscard]] int offsetAtPoint(const QPoint&) const override { return -1; }
+  [[nodiscard]] QString attributes(int, int* start, int* end) const override {
+    *start = 0;
+    *end = characterCount();
+    return {};
+  }
+
+  // Nothing in it can be selected, and it has no caret.
+  void selection(int, int* start, int* end) const override { *start = *end = 0; }
+  [[nodiscard]] int selectionCount() const override { return 0; }
+  void addSelection(int, int) override {}
+  void removeSelection(int) override {}
+  void setSelection(int, int, int) override {}
+  [[nodiscard]] int cursorPosition() const override { return 0; }
+  void setCursorPosition(int) override {}
+  void scrollToSubstring(int, int) override {}
+
+private:
+  [[nodiscard]] QString chosen() const { return text(QAccessible::Value); }
+};
+
+/// A check box or a switch. Qt's own would only turn what it shows, and tell nobody: this one is clicked.
+class ToggleAccessible final : public QAccessibleWidget {
+public:
+  explicit ToggleAccessible(QCheckBox& toggle)
+      : QAccessibleWidget(&toggle, QAccessible::CheckBox), toggle_(toggle) {}
+
+  [[nodiscard]] QString text(QAccessible::Text type) const override {
+    const QString its = QAccessibleWidget::text(type);
+    if (type != QAccessible::Name || !its.isEmpty()) return its;
+    return toggle_.text().replace(QLatin1String("&&"), QLatin1String("&"));
+  }
+
+  [[nodiscard]] QAccessible::State state() const override {
+    QAccessible::State state = QAccessibleWidget::state();
+    state.checkable = true;
+    state.checked = toggle_.isChecked();
+    return state;
+  }
+
+  [[nodiscard]] QStringList actionNames() const override {
+    QStringList names;
+    if (toggle_.isEnabled()) names << toggleAction();
+    return names << QAccessibleWidget::actionNames();
+  }
+
+  void doAction(const QString& name) override {
+    if (name == toggleAction() || name == pressAction()) return toggle_.click();
+    QAccessibleWidget::doAction(name);
+  }
+
+private:
+  QCheckBox& toggle_;
+};
+
+template <class Widget>
+bool isOf(const QString& className) {
+  return className == QLatin1String(Widget::staticMetaObject.className());
+}
+
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
   // Qt keeps and deletes what is made here.
   if (auto* slider = qobject_cast<Slider*>(object)) return new SliderAccessible(*slider);
   if (auto* stepper = qobject_cast<Stepper*>(object)) return new StepperAccessible(*stepper);
   if (auto* picker = qobject_cast<Picker*>(object)) {
-    return new MenuButtonAccessible(*picker, QAccessible::ComboBox);
+    return new PickerAccessible(*picker);
   }
   if (auto* button = qobject_cast<MenuButton*>(object)) {
     return new MenuButtonAccessible(*button, QAccessible::ButtonMenu);
   }
+  if (auto* toggle = qobject_cast<QCheckBox*>(object)) return new ToggleAccessible(*toggle);
   if (auto* popover = qobject_cast<Popover*>(object))
     return new QAccessibleWidget(popover, QAccessible::Dialog);
+  if (auto* strip = qobject_cast<ErrorStrip*>(object))
+    return new QAccessibleWidget(strip, QAccessible::AlertMessage);
+  // Qt asks for each class, from the object's own to the first: what is made from a surface may be more.
+  if (auto* surface = qobject_cast<Surface*>(object); surface != nullptr && isOf<Surface>(className))
+    return new QAccessibleWidget(surface, QAccessible::Grouping);
   return nullptr;
 }
 

@@ -15,9 +15,10 @@ struct Measures {
   TextRole role;
 };
 
-constexpr Measures measuresOf(BadgeSize size) {
-  return size == BadgeSize::normal ? Measures{22, 7, 13, 4, 9, TextRole::badge}
-                                   : Measures{18, 5, 11, 3, 7, TextRole::badgeSmall};
+constexpr Measures measuresOf(BadgeSize size, BadgeStyle style) {
+  if (size == BadgeSize::small) return {18, 5, 11, 3, 7, TextRole::badgeSmall};
+  if (style == BadgeStyle::active) return {22, 7, 14, 4, 10, TextRole::badge};
+  return {22, 7, 13, 4, 9, TextRole::badge};
 }
 
 ColorRole groundOf(BadgeStyle style) {
@@ -43,21 +44,22 @@ void Badge::setContent(Symbol symbol, const QString& text, BadgeStyle style) {
   symbol_ = symbol;
   style_ = style;
   setText(text);
+  updateGeometry(); // A style has measures of its own.
   update();
 }
 
 TextLine Badge::line() const {
-  return {text(), measuresOf(size_).role};
+  return {text(), measuresOf(size_, style_).role};
 }
 
 QSize Badge::sizeHint() const {
-  const Measures it = measuresOf(size_);
+  const Measures it = measuresOf(size_, style_);
   return {it.leading + it.icon + it.gap + static_cast<int>(std::ceil(line().width())) + it.trailing,
           it.height};
 }
 
 void Badge::paintEvent(QPaintEvent*) {
-  const Measures it = measuresOf(size_);
+  const Measures it = measuresOf(size_, style_);
   QPainter painter(this);
   const QRectF all = rect();
   paintCapsule(painter, all, theme_.color(groundOf(style_)));

@@ -27,8 +27,8 @@ ButtonMetrics ButtonMetrics::of(ButtonKind kind, ButtonSize size) {
     return {.height = 22,
             .leading = Button::plainPadding,
             .trailing = Button::plainPadding,
-            .icon = 14,
-            .gap = 6,
+            .icon = 15,
+            .gap = 5,
             .radius = metrics::smallButtonRadius,
             .text = TextRole::axisLabel};
   }
@@ -99,6 +99,7 @@ void Button::setTrailing(Trailing trailing) {
 
 void Button::setOpen(bool isOpen) {
   isOpen_ = isOpen;
+  feel_.setPressed(false); // The menu has the press, and the release.
   update();
 }
 
@@ -172,7 +173,7 @@ void Button::paintGround(QPainter& painter) const {
   switch (kind_) {
   case ButtonKind::bordered: {
     const QColor fill = isOpen_ ? palette.controlBackground : palette.buttonBackground;
-    const double mix = feel_.mix(metrics::hoverMix, metrics::pressMix);
+    const double mix = isOpen_ ? 0 : feel_.mix(metrics::hoverMix, metrics::pressMix);
     paintBox(
         painter, rect(),
         {.fill = mixed(fill, palette.primaryText, mix), .stroke = palette.buttonStroke, .radius = radius()});

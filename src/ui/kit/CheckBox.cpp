@@ -1,5 +1,6 @@
 #include "ui/kit/CheckBox.h"
 
+#include "ui/kit/Accessibility.h"
 #include "ui/kit/Metrics.h"
 #include "ui/kit/Painting.h"
 #include "ui/kit/Theme.h"
@@ -15,6 +16,7 @@ CheckBox::CheckBox(const Theme& theme, QWidget* parent)
     : QCheckBox(parent),
       theme_(theme),
       feel_(theme, *this, [this] { return RingShape{box(), metrics::checkBoxRadius}; }) {
+  installAccessibility();
   setAttribute(Qt::WA_LayoutUsesWidgetRect);
   setFocusPolicy(Qt::StrongFocus);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -12,6 +12,10 @@
 namespace ventolith::ui {
 namespace {
 
+double inside(double fraction) {
+  return std::isfinite(fraction) ? std::clamp(fraction, 0.0, 1.0) : 0;
+}
+
 // The way that the end of the ring goes, in the device's pixels.
 double wayOnDevice(const QWidget& gauge, double from, double to) {
   const double ring = 2 * std::numbers::pi * GaugeGeometry::in(Gauge::side).radius;
@@ -44,8 +48,14 @@ Gauge::Gauge(const Theme& theme, Symbol symbol, QWidget* parent)
   theme.repaints(this);
 }
 
+void Gauge::jumpTo(double fraction) {
+  hasValue_ = true;
+  fraction_ = inside(fraction);
+  showNow(fraction_);
+}
+
 void Gauge::setFraction(double fraction) {
-  fraction = std::isfinite(fraction) ? std::clamp(fraction, 0.0, 1.0) : 0;
+  fraction = inside(fraction);
   const bool first = !hasValue_;
   hasValue_ = true;
   if (!first && fraction == fraction_) return;

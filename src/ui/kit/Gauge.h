@@ -35,6 +35,8 @@ public:
   /// nothing is to move, nobody can see it, the widget shows its first value, or the way is under a pixel.
   /// Between two readings nothing runs.
   void setFraction(double fraction);
+  /// The same without a motion, whatever the circumstances.
+  void jumpTo(double fraction);
   [[nodiscard]] double fraction() const { return fraction_; }
   /// What is on the screen, on its way to `fraction`.
   [[nodiscard]] double shownFraction() const { return shown_; }

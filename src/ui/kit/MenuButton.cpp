@@ -32,7 +32,7 @@ ButtonMetrics metricsOf(MenuButtonKind kind, ButtonSize size) {
     its.text = TextRole::bodyStrong;
     its.trailing = 2;
     its.trailingIcon = chevronSide;
-    its.trailingGap = 3;
+    its.trailingGap = 2;
     break;
   case MenuButtonKind::symbol: break;
   }

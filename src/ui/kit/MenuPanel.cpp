@@ -5,14 +5,33 @@
 #include "ui/kit/Theme.h"
 
 #include <QAction>
+#include <QCoreApplication>
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QStyleOptionMenuItem>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace ventolith::ui {
+namespace {
+
+/// What a row is known by when other rows take the place of all: several may have one title.
+struct RowName {
+  QString title;
+  std::ptrdiff_t namesakesBefore;
+
+  bool operator==(const RowName&) const = default;
+};
+
+/// `row` is one of `rows`.
+RowName nameOf(const MenuRow& row, const std::vector<MenuRow>& rows) {
+  const auto isNamesake = [&](const MenuRow& other) { return other.title == row.title; };
+  return {row.title, std::count_if(rows.data(), &row, isNamesake)};
+}
+
+} // namespace
 
 MenuRow MenuRow::divider() {
   return {.isDivider = true};
@@ -37,7 +56,8 @@ MenuPanel::~MenuPanel() {
 
 void MenuPanel::setRows(std::vector<MenuRow> rows) {
   const MenuRow* const active = isVisible() ? rowOf(activeAction()) : nullptr;
-  const std::optional<QString> chosen = active != nullptr ? std::optional(active->title) : std::nullopt;
+  const std::optional<RowName> chosen =
+      active != nullptr ? std::optional(nameOf(*active, rows_)) : std::nullopt;
   for (QAction* action : std::exchange(actions_, {})) {
     removeAction(action);
     action->deleteLater(); // It may be the one that is being carried out.
@@ -49,7 +69,7 @@ void MenuPanel::setRows(std::vector<MenuRow> rows) {
   for (const MenuRow& row : rows_) {
     actions_.push_back(makeAction(row));
     addAction(actions_.back());
-    if (row.title == chosen) setActiveAction(actions_.back());
+    if (chosen && nameOf(row, rows_) == *chosen) setActiveAction(actions_.back());
   }
 }
 
@@ -62,7 +82,10 @@ QAction* MenuPanel::makeAction(const MenuRow& row) {
     action->setCheckable(true);
     action->setChecked(true);
   }
-  if (row.action) connect(action, &QAction::triggered, this, [act = row.action] { act(); });
+  connect(action, &QAction::triggered, this, [this, act = row.action] {
+    close(); // Assistive technology carries a row out while the menu is open.
+    if (act) act();
+  });
   return action;
 }
 
@@ -90,12 +113,22 @@ void MenuPanel::openAt(QWidget& anchor, int current) {
   if (actions_.empty()) return;
   anchor_ = &anchor;
   setLayoutDirection(anchor.layoutDirection());
+  takeShadow();
   const QSize size = sizeHint();
   const QPoint place = placeBeside(anchor, size, style_->shadowReach(), Alongside::leading);
   popup(place);
   // QMenu keeps the shadow on the screen, too; a menu that scrolls stays where it put it.
   if (this->size() == size) move(place);
   if (QAction* action = actionOf(current)) setActiveAction(action);
+}
+
+void MenuPanel::takeShadow() {
+  const int before = style_->shadowReach();
+  style_->setShadow(theme_.seeThrough());
+  if (style_->shadowReach() == before) return;
+  clearMask();
+  QEvent changed(QEvent::StyleChange); // What was measured with the other margins is not true any more.
+  QCoreApplication::sendEvent(this, &changed);
 }
 
 bool MenuPanel::event(QEvent* event) {

@@ -57,8 +57,8 @@ public:
   explicit MenuPanel(const Theme& theme, QWidget* parent = nullptr);
   ~MenuPanel() override;
 
-  /// Replaces all rows; an open menu shows them at once, and the row of the same title is the chosen one
-  /// still.
+  /// Replaces all rows; an open menu shows them at once, and the row of the same title (the same one of
+  /// several) is the chosen one still.
   void setRows(std::vector<MenuRow> rows);
   [[nodiscard]] const std::vector<MenuRow>& rows() const { return rows_; }
   [[nodiscard]] const MenuRow* rowOf(const QAction* action) const;
@@ -72,7 +72,7 @@ public:
   /// `current` chosen if that is a row.
   void openAt(QWidget& anchor, int current = -1);
 
-  /// The panel within the window, whose margins hold the shadow.
+  /// The panel within the window, whose margins hold the shadow if there is one.
   [[nodiscard]] QRect panel() const;
 
 protected:
@@ -82,6 +82,7 @@ protected:
 
 private:
   [[nodiscard]] QAction* makeAction(const MenuRow& row);
+  void takeShadow();
 
   const Theme& theme_;
   std::unique_ptr<MenuStyle> style_;

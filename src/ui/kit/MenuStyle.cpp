@@ -28,7 +28,7 @@ const QAction* actionOf(const QStyleOption& option) {
 } // namespace
 
 int MenuStyle::shadowReach() const {
-  return reachOf(menuShadow(theme_.palette()));
+  return castsShadow_ ? reachOf(menuShadow(theme_.palette())) : 0;
 }
 
 int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
@@ -46,11 +46,15 @@ int MenuStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const
 int MenuStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                          QStyleHintReturn* returned) const {
   switch (hint) {
+  case SH_Menu_Mask:
+    if (castsShadow_) return 0;
+    if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(returned))
+      mask->region = roundedRegion(menu_.rect(), metrics::menuRadius);
+    return 1;
   case SH_Menu_Scrollable:
   case SH_Menu_MouseTracking:
   case SH_Menu_KeyboardSearch: return 1;
   case SH_Menu_AllowActiveAndDisabled:
-  case SH_Menu_Mask:
   case SH_Menu_FlashTriggeredItem:
   case SH_Menu_FadeOutOnHide: return 0;
   default: return QCommonStyle::styleHint(hint, option, widget, returned);
@@ -77,10 +81,9 @@ void MenuStyle::drawPrimitive(PrimitiveElement element, const QStyleOption*, QPa
                               const QWidget*) const {
   if (element != PE_PanelMenu) return; // The frame is part of the panel.
   const Palette& palette = theme_.palette();
-  const QRectF panel(menu_.panel());
-  paintShadow(*painter, panel, metrics::menuRadius, menuShadow(palette));
-  paintBox(*painter, panel,
-           {.fill = palette.menuBackground, .stroke = palette.menuStroke, .radius = metrics::menuRadius});
+  paintFloating(*painter, menu_.panel(),
+                {.fill = palette.menuBackground, .stroke = palette.menuStroke, .radius = metrics::menuRadius},
+                castsShadow_ ? std::optional(menuShadow(palette)) : std::nullopt);
 }
 
 void MenuStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

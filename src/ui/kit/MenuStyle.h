@@ -13,8 +13,10 @@ class MenuStyle final : public QCommonStyle {
 public:
   MenuStyle(const Theme& theme, const MenuPanel& menu) : theme_(theme), menu_(menu) {}
 
-  /// What the window is larger than the panel on each side.
+  /// What the window is larger than the panel on each side: nothing without a shadow, where the window is cut
+  /// to the panel's shape.
   [[nodiscard]] int shadowReach() const;
+  void setShadow(bool casts) { castsShadow_ = casts; }
   void setMinimumRowWidth(int width) { minimumRowWidth_ = width; }
 
   int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
@@ -34,6 +36,7 @@ private:
   const Theme& theme_;
   const MenuPanel& menu_;
   int minimumRowWidth_ = 0;
+  bool castsShadow_ = true;
 };
 
 } // namespace ventolith::ui

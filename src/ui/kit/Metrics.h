@@ -1,6 +1,8 @@
 // Sizes that more than one piece of the interface uses, in logical pixels, and durations in milliseconds.
 #pragma once
 
+#include <QMargins>
+
 namespace ventolith::ui::metrics {
 
 // The spacing scale.
@@ -62,3 +64,12 @@ inline constexpr int presetMinimum = 220, presetGap = 16;
 inline constexpr int fanMinimum = 260, fanGap = 12;
 
 } // namespace ventolith::ui::metrics
+
+namespace ventolith::ui {
+
+/// What every screen leaves free around its content.
+[[nodiscard]] constexpr QMargins detailContentInsets() {
+  return {metrics::screenSides, metrics::screenTop, metrics::screenSides, metrics::screenBottom};
+}
+
+} // namespace ventolith::ui

@@ -2,6 +2,7 @@
 
 #include "ui/kit/Metrics.h"
 
+#include <QBitmap>
 #include <QImage>
 #include <QPainter>
 #include <QPainterPath>
@@ -189,6 +190,26 @@ void paintShadow(QPainter& painter, const QRectF& rect, double radius, const Sha
       if (target.isEmpty()) continue;
       painter.drawPixmap(toPainter.mapRect(target), picture, source);
     }
+}
+
+void paintFloating(QPainter& painter, const QRectF& rect, const Box& box,
+                   const std::optional<Shadow>& shadow) {
+  if (shadow)
+    paintShadow(painter, rect, box.radius, *shadow);
+  else
+    painter.fillRect(rect, box.fill); // The cut is sharp: nothing of the window's ground is to show in it.
+  paintBox(painter, rect, box);
+}
+
+QRegion roundedRegion(const QRect& rect, double radius) {
+  QBitmap shape(rect.size());
+  shape.clear();
+  QPainter painter(&shape);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(Qt::color1);
+  painter.drawRoundedRect(QRect({}, rect.size()), radius, radius);
+  painter.end();
+  return QRegion(shape).translated(rect.topLeft());
 }
 
 } // namespace ventolith::ui

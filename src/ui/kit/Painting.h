@@ -4,6 +4,9 @@
 #include "ui/kit/Palette.h"
 
 #include <QRectF>
+#include <QRegion>
+
+#include <optional>
 
 QT_BEGIN_NAMESPACE
 class QPainter;
@@ -50,5 +53,11 @@ struct Shadow {
 [[nodiscard]] int reachOf(const Shadow& shadow);
 /// The shadow of a rounded rectangle; the shape itself is painted over it by the caller.
 void paintShadow(QPainter& painter, const QRectF& rect, double radius, const Shadow& shadow);
+
+/// A panel in a window of its own: its shadow and the panel, or, without a shadow, the panel alone in a
+/// window that is cut to its `roundedRegion`.
+void paintFloating(QPainter& painter, const QRectF& rect, const Box& box,
+                   const std::optional<Shadow>& shadow);
+[[nodiscard]] QRegion roundedRegion(const QRect& rect, double radius);
 
 } // namespace ventolith::ui

@@ -41,7 +41,9 @@ void Picker::setTitles(const QStringList& titles) {
 void Picker::setCurrent(std::optional<int> position) {
   const bool isThere = position && *position >= 0 && *position < titles_.size();
   current_ = isThere ? position : std::nullopt;
-  setTitle(isThere ? titles_[*position] : QString());
+  const QString title = isThere ? titles_[*position] : QString();
+  if (title == this->title()) return;
+  setTitle(title);
   announceValue(*this);
 }
 

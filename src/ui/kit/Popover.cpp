@@ -23,20 +23,32 @@ Popover::Popover(const Theme& theme, QWidget* owner)
   setAttribute(Qt::WA_TranslucentBackground);
   auto* layout = new QVBoxLayout(this);
   layout->setSizeConstraint(QLayout::SetFixedSize);
+  takeShadow();
   theme.repaints(this);
   connect(&appearing_, &QVariantAnimation::valueChanged, this,
           [this](const QVariant& opacity) { setWindowOpacity(opacity.toDouble()); });
 }
 
-int Popover::reach() const {
-  return reachOf(menuShadow(theme_.palette()));
+void Popover::takeShadow() {
+  reach_ = theme_.seeThrough() ? reachOf(menuShadow(theme_.palette())) : 0;
+  settleMargins();
+}
+
+void Popover::settleMargins() {
+  const int margin = reach_ + contentPadding_;
+  layout()->setContentsMargins(margin, margin, margin, margin);
+}
+
+void Popover::settleShape() {
+  if (reach_ > 0) return clearMask();
+  setMask(roundedRegion(panel(), metrics::cardRadius));
 }
 
 void Popover::setContent(QWidget* content, int contentPadding) {
   delete content_.data();
   content_ = content;
-  const int margin = reach() + contentPadding;
-  layout()->setContentsMargins(margin, margin, margin, margin);
+  contentPadding_ = contentPadding;
+  settleMargins();
   layout()->addWidget(content);
 }
 
@@ -45,7 +57,7 @@ void Popover::setInitialFocus(QWidget* field) {
 }
 
 QRect Popover::panel() const {
-  return rect().adjusted(reach(), reach(), -reach(), -reach());
+  return rect().adjusted(reach_, reach_, -reach_, -reach_);
 }
 
 void Popover::openFrom(QWidget& anchor) {
@@ -55,13 +67,14 @@ void Popover::openFrom(QWidget& anchor) {
 QPoint Popover::place() const {
   const QScreen* found = QGuiApplication::screenAt(anchor_.center());
   const QScreen& screen = found != nullptr ? *found : *QGuiApplication::primaryScreen();
-  return placeBeside(anchor_, screen.availableGeometry(), size(), reach(), Alongside::centre,
+  return placeBeside(anchor_, screen.availableGeometry(), size(), reach_, Alongside::centre,
                      layoutDirection());
 }
 
 void Popover::openFrom(const QRect& anchor) {
   if (isVisible()) return;
   anchor_ = anchor;
+  takeShadow();
   adjustSize();
   move(place());
   appearing_.jumpTo(0);
@@ -92,15 +105,17 @@ void Popover::mousePressEvent(QMouseEvent* event) {
 
 void Popover::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
+  settleShape();
   if (isVisible()) move(place());
 }
 
 void Popover::paintEvent(QPaintEvent*) {
   const Palette& palette = theme_.palette();
   QPainter painter(this);
-  paintShadow(painter, panel(), metrics::cardRadius, menuShadow(palette));
-  paintBox(painter, panel(),
-           {.fill = palette.panelBackground, .stroke = palette.menuStroke, .radius = metrics::cardRadius});
+  paintFloating(
+      painter, panel(),
+      {.fill = palette.panelBackground, .stroke = palette.menuStroke, .radius = metrics::cardRadius},
+      reach_ > 0 ? std::optional(menuShadow(palette)) : std::nullopt);
 }
 
 } // namespace ventolith::ui

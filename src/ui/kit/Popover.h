@@ -30,7 +30,7 @@ public:
   void openFrom(QWidget& anchor);
   /// Beside a place on the screen, such as a tray icon's. Global.
   void openFrom(const QRect& anchor);
-  /// The panel within the window, whose margins hold the shadow.
+  /// The panel within the window, whose margins hold the shadow if there is one.
   [[nodiscard]] QRect panel() const;
   /// The fade.
   [[nodiscard]] Transition& appearing() { return appearing_; }
@@ -48,13 +48,17 @@ protected:
 
 private:
   [[nodiscard]] QPoint place() const;
-  [[nodiscard]] int reach() const;
+  void takeShadow();
+  void settleMargins();
+  void settleShape();
 
   const Theme& theme_;
   Transition appearing_;
   QPointer<QWidget> content_;
   QPointer<QWidget> initialFocus_;
   QRect anchor_;
+  int contentPadding_ = padding;
+  int reach_ = 0; // Of the shadow; none where the window is cut to the panel's shape.
 };
 
 } // namespace ventolith::ui

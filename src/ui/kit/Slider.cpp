@@ -108,21 +108,31 @@ void Slider::change(double value) {
   Q_EMIT valueChanged(value_);
 }
 
-void Slider::end() {
-  if (press_ == Press::none) return;
+bool Slider::letGo() {
+  if (press_ == Press::none) return false;
   press_ = Press::none;
   heldKey_ = 0;
   pulse_->cancel();
   feel_.setPressed(false);
-  Q_EMIT pressEnded();
+  return true;
+}
+
+void Slider::end() {
+  if (letGo()) Q_EMIT pressEnded();
+}
+
+/// A slider that is disabled loses the keyboard before it is told.
+void Slider::loseHold() {
+  if (isEnabled()) return end();
+  if (letGo()) Q_EMIT pressAbandoned();
 }
 
 bool Slider::event(QEvent* event) {
   switch (event->type()) {
   case QEvent::FocusOut: wheelDegrees_ = 0; [[fallthrough]];
-  case QEvent::Hide: end(); break;
+  case QEvent::Hide: loseHold(); break;
   case QEvent::EnabledChange:
-    if (!isEnabled()) end();
+    loseHold();
     update();
     break;
   default: break;

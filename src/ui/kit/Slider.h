@@ -15,7 +15,8 @@ namespace ventolith::ui {
 /// Every move by the user is one press: `pressBegan`, then `valueChanged` for each value on the way (at least
 /// one, even where it is the value that was), then `pressEnded`. A press lasts as long as the pointer or a
 /// key holds it, for the wheel until it has rested for `wheelRest`, and is ended, too, when the slider is
-/// disabled, hidden or loses the keyboard. There is never a second press within one.
+/// hidden or loses the keyboard. A slider that is disabled takes the press from the user, who has not let go
+/// of any value: `pressAbandoned` stands in for `pressEnded` then. There is never a second press within one.
 ///
 /// The wheel is taken only while the slider has the keyboard focus, so that scrolling over it moves nothing.
 class Slider final : public QWidget {
@@ -60,6 +61,7 @@ Q_SIGNALS:
   void pressBegan();
   void valueChanged(double value);
   void pressEnded();
+  void pressAbandoned();
 
 protected:
   bool event(QEvent* event) override;
@@ -77,6 +79,9 @@ private:
   void begin(Press press);
   void change(double value);
   void end();
+  void loseHold();
+  /// Whether there was a press.
+  bool letGo();
   void take(double value);
   [[nodiscard]] std::optional<double> valueAfter(int key) const;
   void paintAll(QPainter& painter) const;

@@ -20,7 +20,7 @@ namespace ventolith::ui {
 namespace {
 
 constexpr int pageSteps = 10;
-constexpr double chevronWidth = 4.25, chevronHeight = 2.25, chevronStroke = 1.25;
+constexpr double chevronWidth = 3.5, chevronHeight = 1.75, chevronStroke = 1.25;
 
 TextRole roleOf(StepperSize size) {
   return size == StepperSize::normal ? TextRole::stepperLabel : TextRole::stepperLabelSmall;
@@ -59,8 +59,8 @@ void Stepper::setValue(double value, const QString& label) {
   announceValue(*this);
 }
 
-void Stepper::setWidestLabel(const QString& label) {
-  widestLabel_ = label;
+void Stepper::setRoomFor(const QString& label) {
+  labelWithRoom_ = label;
   updateGeometry();
 }
 
@@ -75,7 +75,7 @@ void Stepper::want(double value) {
 
 QSize Stepper::sizeHint() const {
   const double label =
-      std::max(TextLine(label_, roleOf(size_)).width(), TextLine(widestLabel_, roleOf(size_)).width());
+      std::max(TextLine(label_, roleOf(size_)).width(), TextLine(labelWithRoom_, roleOf(size_)).width());
   return {static_cast<int>(std::ceil(label)) + gap + arrowsWidth, arrowsHeight};
 }
 

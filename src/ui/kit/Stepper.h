@@ -46,9 +46,9 @@ public:
   void setValue(double value, const QString& label);
   [[nodiscard]] double value() const { return value_; }
   [[nodiscard]] const QString& label() const { return label_; }
-  /// The longest label there will be: its width is kept free after a shorter one, so that the words before it
-  /// and the arrows stand still.
-  void setWidestLabel(const QString& label);
+  /// As much room as that label takes is kept free after a shorter one, so that the words before it and the
+  /// arrows stand still. A longer one takes what it needs.
+  void setRoomFor(const QString& label);
   /// The label's colour; `primaryText` unless told otherwise.
   void setLabelColor(ColorRole role);
 
@@ -88,7 +88,7 @@ private:
   StepperRange range_;
   double value_ = 0;
   QString label_;
-  QString widestLabel_;
+  QString labelWithRoom_;
   ColorRole labelColor_ = &Palette::primaryText;
   int heldDirection_ = 0; // 1 up, -1 down, 0 none.
   bool isPointerOnHeld_ = false;

@@ -1,5 +1,6 @@
 #include "ui/kit/Surface.h"
 
+#include "ui/kit/Accessibility.h"
 #include "ui/kit/IconView.h"
 #include "ui/kit/Painting.h"
 #include "ui/kit/TextLabel.h"
@@ -11,6 +12,7 @@ namespace ventolith::ui {
 
 Surface::Surface(const Theme& theme, const SurfaceStyle& style, QWidget* parent)
     : QWidget(parent), theme_(theme), style_(style) {
+  installAccessibility();
   theme.repaints(this);
 }
 

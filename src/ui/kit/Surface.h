@@ -44,6 +44,7 @@ inline constexpr SurfaceStyle warningBanner{&Palette::warningFill, &Palette::war
 inline constexpr SurfaceStyle error{&Palette::dangerFill, &Palette::dangerStroke, metrics::errorRadius};
 } // namespace surfaces
 
+/// For assistive technology a group of what lies on it, which has a name where the surface is given one.
 class Surface : public QWidget {
   Q_OBJECT
 

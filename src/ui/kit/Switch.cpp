@@ -1,5 +1,6 @@
 #include "ui/kit/Switch.h"
 
+#include "ui/kit/Accessibility.h"
 #include "ui/kit/Metrics.h"
 #include "ui/kit/Painting.h"
 #include "ui/kit/Theme.h"
@@ -13,6 +14,7 @@ Switch::Switch(const Theme& theme, QWidget* parent)
       theme_(theme),
       slide_(theme, *this, metrics::selectionMotion),
       feel_(theme, *this, [this] { return RingShape{track(), trackHeight / 2.0}; }) {
+  installAccessibility();
   setAttribute(Qt::WA_LayoutUsesWidgetRect);
   setFocusPolicy(Qt::StrongFocus);
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -4,6 +4,7 @@
 
 #include <QHelpEvent>
 #include <QPainter>
+#include <QTextDocument>
 #include <QToolTip>
 
 #include <algorithm>
@@ -148,7 +149,10 @@ bool TextLabel::event(QEvent* event) {
   if (event->type() != QEvent::ToolTip || fit_ != Fit::elided || !toolTip().isEmpty())
     return QLabel::event(event);
   if (line().width() <= contentsRect().width()) return QLabel::event(event);
-  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+  // A name that looks like markup is a name still.
+  const QString tip =
+      Qt::mightBeRichText(text()) ? QStringLiteral("<p>%1</p>").arg(text().toHtmlEscaped()) : text();
+  QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip, this);
   return true;
 }
 

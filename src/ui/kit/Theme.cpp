@@ -1,5 +1,8 @@
 #include "ui/kit/Theme.h"
 
+#include "ui/kit/SeeThrough.h"
+#include "ui/kit/ToolTips.h"
+
 #include <QWidget>
 
 namespace ventolith::ui {
@@ -16,7 +19,9 @@ std::optional<Value> firstOf(const std::optional<Value>& one, const std::optiona
 } // namespace
 
 Theme::Theme(std::unique_ptr<SymbolSource> symbols, QObject* parent)
-    : QObject(parent), palette_(Palette::of(Appearance::light)), icons_(std::move(symbols)) {}
+    : QObject(parent), palette_(Palette::of(Appearance::light)), icons_(std::move(symbols)) {
+  dressToolTips(palette_);
+}
 
 Theme::~Theme() = default;
 
@@ -45,7 +50,13 @@ void Theme::settle() {
   palette_ = Palette::of(appearance, accent);
   accent_ = accent;
   reduceMotion_ = still;
+  dressToolTips(palette_);
   Q_EMIT changed();
+}
+
+bool Theme::seeThrough() const {
+  const auto told = firstOf(forced_.seeThrough, desktop_.seeThrough, toolkit_.seeThrough);
+  return told ? *told : screenShowsThroughWindows();
 }
 
 void Theme::repaints(QWidget* widget) const {

@@ -1,4 +1,5 @@
-// The look that is in force now: colours, icons, whether things may move.
+// The look that is in force now: colours, icons, whether things may move. The toolkit's tool tips have it,
+// too.
 //
 // One a process, made by main() beside the application object; it outlives every widget. Widgets are handed
 // it, read it whenever they paint, and repaint on `changed()` (`repaints` connects that). On the main thread.
@@ -23,6 +24,8 @@ struct SystemLook {
   std::optional<Appearance> appearance;
   std::optional<QColor> accent;
   std::optional<bool> reduceMotion;
+  /// Windows may leave out parts of themselves, for what lies behind. Unless it is told, the screen is asked.
+  std::optional<bool> seeThrough;
 
   bool operator==(const SystemLook&) const = default;
 };
@@ -41,6 +44,8 @@ public:
   [[nodiscard]] Appearance appearance() const { return palette_.appearance; }
   /// Every change of the look is to be instant.
   [[nodiscard]] bool reduceMotion() const { return reduceMotion_; }
+  /// A window that opens now may cast a shadow. It asks once each time that it opens.
+  [[nodiscard]] bool seeThrough() const;
   [[nodiscard]] const Icons& icons() const { return icons_; }
 
   /// `duration` (milliseconds), or none when nothing is to move.

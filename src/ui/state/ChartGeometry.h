@@ -29,8 +29,8 @@ struct ChartValue {
 };
 
 // The axes of the curve editor, whatever the data.
-inline constexpr ChartDomain curveTemperatures{.lower = 30, .upper = 105};
-inline constexpr ChartDomain curveSpeeds{.lower = 0, .upper = 100};
+inline constexpr ChartDomain xDomain{.lower = 30, .upper = 105};
+inline constexpr ChartDomain yDomain{.lower = 0, .upper = 100};
 inline constexpr double temperatureTickStep = 15;
 inline constexpr double speedTickStep = 25;
 
@@ -41,8 +41,8 @@ inline constexpr double safetyCelsius = 95;
 /// go on beyond the plot area.
 struct ChartGeometry {
   QRectF plot; // Pixels.
-  ChartDomain temperatures = curveTemperatures;
-  ChartDomain speeds = curveSpeeds;
+  ChartDomain temperatures = xDomain;
+  ChartDomain speeds = yDomain;
 
   /// The curve editor's chart in a surface of that size, with room for ticks, labels and annotations.
   [[nodiscard]] static ChartGeometry inSurface(QSizeF size);

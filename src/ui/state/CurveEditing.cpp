@@ -14,12 +14,6 @@ namespace {
 constexpr double slowestDeltaRPM = 200;
 constexpr double fastestDeltaRPM = 1000;
 
-std::optional<core::FanCurve> plannedCurve(core::FanID fan, const core::FanControlPlan& plan) {
-  const core::FanControlModePlan mode = app::planModeFor(fan, plan);
-  const auto* const planned = std::get_if<core::FanControlModePlan::Curve>(&mode.value);
-  return planned != nullptr ? std::optional(planned->curve) : std::nullopt;
-}
-
 std::vector<core::FanID> allFanIDs(const core::SensorSnapshot& snapshot) {
   std::vector<core::FanID> ids;
   for (const core::Fan& fan : snapshot.fans)
@@ -42,7 +36,7 @@ QString withoutBlanksAround(QString text) {
 
 CurveEditing::CurveEditing(CurveEditingModel& model) : model_(model), editingCurve_(app::defaultCurve()) {}
 
-void CurveEditing::appear() {
+void CurveEditing::onFirstAppear() {
   selectFirstFanIfNone();
   loadEditingCurve();
   const core::ControlTuning& tuning = model_.activePlan().tuning;
@@ -66,7 +60,7 @@ void CurveEditing::loadEditingCurve() {
     editingCurve_ = app::defaultCurve();
     return;
   }
-  editingCurve_ = plannedCurve(*selectedFanID_, model_.activePlan()).value_or(app::defaultCurve());
+  editingCurve_ = model_.curve(*selectedFanID_).value_or(app::defaultCurve());
   editingCurve_.points = sorted(std::move(editingCurve_.points));
   forgetPoints();
 }
@@ -79,7 +73,7 @@ void CurveEditing::forgetPoints() {
 void CurveEditing::commit() {
   if (!selectedFanID_) return;
   const std::vector<core::FanID> targets =
-      isLinked_ ? allFanIDs(model_.snapshot()) : std::vector{*selectedFanID_};
+      linked_ ? allFanIDs(model_.snapshot()) : std::vector{*selectedFanID_};
   model_.setFanCurve(editingCurve_, targets);
 }
 
@@ -94,7 +88,7 @@ void CurveEditing::chooseSensor(std::optional<std::string> sensorID) {
 }
 
 std::vector<ChartValue> CurveEditing::curveSamples() const {
-  return samples(editingCurve_, curveTemperatures, celsiusStep);
+  return samples(editingCurve_, xDomain, celsiusStep);
 }
 
 std::optional<double> CurveEditing::sourceTemp() const {
@@ -109,7 +103,7 @@ std::optional<double> CurveEditing::sourceTemp() const {
   return std::nullopt;
 }
 
-std::optional<ChartValue> CurveEditing::livePoint() const {
+std::optional<ChartValue> CurveEditing::liveDataPoint() const {
   const std::optional<double> celsius = sourceTemp();
   if (!celsius) return std::nullopt;
   return ChartValue{.celsius = *celsius, .percent = editingCurve_.percent(*celsius)};
@@ -121,7 +115,7 @@ std::optional<core::UUID> CurveEditing::pointAt(QPointF location, const ChartGeo
 }
 
 /// A drag that began on empty ground takes the first point that it comes near.
-bool CurveEditing::drag(QPointF location, const ChartGeometry& chart) {
+bool CurveEditing::handleDrag(QPointF location, const ChartGeometry& chart) {
   const std::optional<ChartValue> value = chart.value(location);
   if (!value) return false;
   const bool picksUp = !draggingPointID_;

@@ -26,6 +26,8 @@ public:
 
   [[nodiscard]] virtual const core::SensorSnapshot& snapshot() const = 0;
   [[nodiscard]] virtual const core::FanControlPlan& activePlan() const = 0;
+  /// None for a fan that follows no curve.
+  [[nodiscard]] virtual std::optional<core::FanCurve> curve(core::FanID fan) const = 0;
 
   virtual void setFanCurve(const core::FanCurve& curve, const std::vector<core::FanID>& fanIDs) = 0;
   virtual void setTuning(const core::ControlTuning& tuning) = 0;
@@ -43,7 +45,7 @@ public:
 
   // What the screen shows.
   [[nodiscard]] std::optional<core::FanID> selectedFanID() const { return selectedFanID_; }
-  [[nodiscard]] bool isLinked() const { return isLinked_; }
+  [[nodiscard]] bool linked() const { return linked_; }
   /// Its points stand in ascending temperature.
   [[nodiscard]] const core::FanCurve& editingCurve() const { return editingCurve_; }
   [[nodiscard]] const std::optional<core::UUID>& draggingPointID() const { return draggingPointID_; }
@@ -64,19 +66,19 @@ public:
   /// The temperature that the curve sees now; none without a sensor that gives it.
   [[nodiscard]] std::optional<double> sourceTemp() const;
   /// Where the curve works now; none without a temperature.
-  [[nodiscard]] std::optional<ChartValue> livePoint() const;
+  [[nodiscard]] std::optional<ChartValue> liveDataPoint() const;
 
   // What the user does.
   /// The screen comes into view.
-  void appear();
+  void onFirstAppear();
   /// The model has a new snapshot. True when the curve was loaded for it.
   bool takeSnapshot();
   void chooseFan(core::FanID fan);
   void chooseSensor(std::optional<std::string> sensorID); // None is the hottest.
-  void setLinked(bool isLinked) { isLinked_ = isLinked; }
+  void setLinked(bool linked) { linked_ = linked; }
 
   /// Each change of a drag, the press included, at a place on the chart. True when anything changed.
-  bool drag(QPointF location, const ChartGeometry& chart);
+  bool handleDrag(QPointF location, const ChartGeometry& chart);
   /// What a press at that place would pick up.
   [[nodiscard]] std::optional<core::UUID> pointAt(QPointF location, const ChartGeometry& chart) const;
   /// The end of a drag, and of a press that moved nothing.
@@ -116,7 +118,7 @@ private:
 
   CurveEditingModel& model_;
   std::optional<core::FanID> selectedFanID_;
-  bool isLinked_ = false;
+  bool linked_ = false;
   core::FanCurve editingCurve_;
   std::optional<core::UUID> draggingPointID_;
   std::optional<core::UUID> selectedPointID_;

@@ -22,13 +22,13 @@ Limits limits(std::size_t place, const CurvePoints& points) {
   const bool isFirst = place == 0;
   const bool isLast = place + 1 == points.size();
   return {
-      .lower = isFirst ? curveTemperatures.lower : points[place - 1].celsius + neighbourDistance,
-      .upper = isLast ? curveTemperatures.upper : points[place + 1].celsius - neighbourDistance,
+      .lower = isFirst ? xDomain.lower : points[place - 1].celsius + neighbourDistance,
+      .upper = isLast ? xDomain.upper : points[place + 1].celsius - neighbourDistance,
   };
 }
 
 double keptPercent(double percent) {
-  const double kept = std::clamp(percent, curveSpeeds.lower, curveSpeeds.upper);
+  const double kept = std::clamp(percent, yDomain.lower, yDomain.upper);
   return kept + 0.0; // Rounding leaves a zero with a sign behind.
 }
 
@@ -104,7 +104,7 @@ core::CurvePoint nudgedPoint(Nudge nudge, std::size_t place, const CurvePoints& 
 }
 
 double temperatureOfNewPoint(const CurvePoints& points) {
-  if (points.size() < 2) return curveTemperatures.middle();
+  if (points.size() < 2) return xDomain.middle();
   const CurvePoints ascending = sorted(points);
   std::size_t widest = 1; // The right end of the gap.
   for (std::size_t right = 2; right < ascending.size(); ++right) {

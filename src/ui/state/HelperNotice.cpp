@@ -34,9 +34,8 @@ QString bannerAdvice(bool isAttemptingRecovery) {
   return Notice::tr(
       "This can happen right after an update. Restarting the helper below usually fixes it in a few seconds "
       "— it should keep its \"Allow in the Background\" approval, but macOS may occasionally ask you to "
-      "allow "
-      "it again in System Settings. If it doesn't help, restart your Mac; that always starts the helper "
-      "fresh.");
+      "allow it again in System Settings. If it doesn't help, restart your Mac; that always starts the "
+      "helper fresh.");
 }
 
 } // namespace

@@ -13,7 +13,8 @@ class Root {
 } // namespace
 
 RootTexts rootTexts() {
-  return {.restoreAuto = Root::tr("Restore Auto"),
+  return {.screens = Root::tr("Screens"),
+          .restoreAuto = Root::tr("Restore Auto"),
           .restoreAutoToolTip = Root::tr("Return all fans to firmware Auto")};
 }
 

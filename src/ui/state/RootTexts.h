@@ -6,6 +6,7 @@
 namespace ventolith::ui {
 
 struct RootTexts {
+  QString screens;     // What the sidebar is called where it is spoken of.
   QString restoreAuto; // Never disabled: a way back to the firmware is there in every state.
   QString restoreAutoToolTip;
 };

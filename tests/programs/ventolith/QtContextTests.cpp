@@ -104,6 +104,29 @@ TEST_F(QtContextTest, RunningOutEndsWhenItsTimeIsOver) {
   context.runOut(10s);
 }
 
+TEST_F(QtContextTest, RunningOutAloneRunsItsWorkAndNothingElse) {
+  bool isDone = false, isElseDone = false;
+  QObject other;
+  QMetaObject::invokeMethod(&other, [&] { isElseDone = true; }, Qt::QueuedConnection);
+  const auto hop = [&]() -> Async<void> {
+    co_await boost::asio::post(executor(), boost::asio::use_awaitable);
+    isDone = true;
+  };
+  runtime::start(executor(), "test", hop());
+  context.runOutAlone(10s);
+  EXPECT_TRUE(isDone);
+  EXPECT_FALSE(isElseDone);
+}
+
+TEST_F(QtContextTest, RunningOutAloneEndsWhenItsTimeIsOver) {
+  runtime::Event never(executor());
+  const auto wait = [&]() -> Async<void> { co_await never.wait(); };
+  runtime::start(executor(), "test", wait());
+  context.runOutAlone(0ms);
+  never.happen();
+  context.runOut(10s);
+}
+
 TEST_F(QtContextTest, ClockSleepsInTheLoop) {
   platform::SystemClock clock(waitInQt());
   int woken = 0;

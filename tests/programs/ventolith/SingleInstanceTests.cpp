@@ -44,6 +44,13 @@ TEST_F(SingleInstanceTest, WhatAKilledOneLeftIsTakenOver) {
   EXPECT_FALSE(SingleInstance(address()).claim());
 }
 
+TEST(InstanceAddressTest, IsOneForEachBusOfTheHelper) {
+  EXPECT_EQ(instanceAddress({}), instanceAddress({}));
+  EXPECT_NE(instanceAddress({}), instanceAddress("unix:path=/tmp/a"));
+  EXPECT_NE(instanceAddress("unix:path=/tmp/b"), instanceAddress("unix:path=/tmp/a"));
+  EXPECT_EQ(instanceAddress("unix:path=/tmp/a"), instanceAddress("unix:path=/tmp/a"));
+}
+
 TEST_F(SingleInstanceTest, WithoutAPlaceToListenEverybodyIsTheOne) {
   const auto nowhere = QString::fromStdString((folder / "no-folder/instance").string());
   EXPECT_TRUE(SingleInstance(nowhere).claim());

@@ -195,7 +195,7 @@ TEST_F(Shells, BashOffersPlansWhereAPlanIsExpected) {
 }
 
 TEST_F(Shells, TheManPageIsCleanAndNamesEveryCommandOptionAndStatus) {
-  for (const std::string page : {"ventolithctl.1", "ventolith-helper.8"}) {
+  for (const std::string page : {"ventolith.1", "ventolithctl.1", "ventolith-helper.8"}) {
     const Ended lint = runShell("cd " + packaging + "man && mandoc -Tlint " + page + " 2>&1");
     EXPECT_EQ(lint.status, 0) << lint.out;
     EXPECT_EQ(lint.out, "");

@@ -41,11 +41,11 @@ private:
   std::function<void()> then_;
 };
 
-/// Gives the window the keyboard, and no control of it. The platform says when it has it; the event is on its
-/// way already.
+/// Gives the window the keyboard, and no control of it. The platform's word of it is on its way already.
 inline void activate(QWidget& window) {
   window.activateWindow();
-  if (!QTest::qWaitForWindowActive(&window)) ADD_FAILURE() << "the window got no keyboard";
+  QApplication::processEvents();
+  if (!window.isActiveWindow()) ADD_FAILURE() << "the window got no keyboard";
   if (QWidget* first = QApplication::focusWidget()) first->clearFocus();
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/kit/Button.h"
 #include "ui/kit/FocusRing.h"
+#include "ui/kit/KeyboardPlace.h"
 #include "ui/kit/Painting.h"
 #include "ui/kit/SidebarList.h"
 #include "ui/kit/Slider.h"
@@ -198,6 +199,47 @@ TEST(FocusRing, IsUnknownToAssistiveTechnology) {
   stage.show();
   button.setFocus(Qt::TabFocusReason);
   EXPECT_EQ(spoken(stage.window).childCount(), 1);
+}
+
+TEST(KeyboardPlace, ADisabledControlPassesTheKeyboardToNobodyAndTakesItBack) {
+  Stage stage;
+  auto& slider = stage.put<Slider>();
+  stage.put<Button>(ButtonKind::bordered, ButtonSize::normal).setTitle(QStringLiteral("Next"));
+  stage.show();
+  KeyboardPlace place(slider);
+  slider.setFocus(Qt::TabFocusReason);
+  place.setEnabled(false);
+  EXPECT_EQ(stage.window.focusWidget(), nullptr);
+  EXPECT_EQ(ringIn(stage.window), nullptr);
+  place.setEnabled(true);
+  EXPECT_TRUE(slider.hasFocus());
+}
+
+TEST(KeyboardPlace, AnotherControlThatWasChosenMeanwhileKeepsTheKeyboard) {
+  Stage stage;
+  auto& slider = stage.put<Slider>();
+  auto& next = stage.put<Button>(ButtonKind::bordered, ButtonSize::normal);
+  stage.show();
+  KeyboardPlace place(slider);
+  slider.setFocus();
+  place.setEnabled(false);
+  next.setFocus();
+  place.setEnabled(true);
+  EXPECT_TRUE(next.hasFocus());
+}
+
+TEST(KeyboardPlace, AControlWithoutTheKeyboardTakesNone) {
+  Stage stage;
+  auto& slider = stage.put<Slider>();
+  auto& other = stage.put<Button>(ButtonKind::bordered, ButtonSize::normal);
+  stage.show();
+  KeyboardPlace place(slider);
+  other.setFocus();
+  place.setEnabled(false);
+  EXPECT_TRUE(other.hasFocus());
+  other.clearFocus();
+  place.setEnabled(true);
+  EXPECT_EQ(stage.window.focusWidget(), nullptr);
 }
 
 TEST(Hover, ComesWithoutAJumpWhereThingsMayMove) {

@@ -111,6 +111,17 @@ TEST(Gauge, AWayThatNobodyCouldSeeIsNoMotion) {
   EXPECT_DOUBLE_EQ(it.gauge.shownFraction(), 0.505);
 }
 
+TEST(Gauge, AJumpEndsAMotionAndIsNone) {
+  ShownGauge it;
+  it.gauge.setFraction(0);
+  it.gauge.setFraction(1);
+  ASSERT_TRUE(it.gauge.isMoving());
+  it.gauge.jumpTo(0.25);
+  EXPECT_FALSE(it.gauge.isMoving());
+  EXPECT_DOUBLE_EQ(it.gauge.fraction(), 0.25);
+  EXPECT_DOUBLE_EQ(it.gauge.shownFraction(), 0.25);
+}
+
 TEST(Gauge, AHiddenGaugeRunsNoMotion) {
   ShownGauge it;
   it.gauge.setFraction(0);

@@ -79,6 +79,18 @@ TEST_F(MenuButtonTest, RefreshedMenuKeepsTheRowThatIsChosen) {
   EXPECT_EQ(menu().activeAction(), menu().actionOf(3));
 }
 
+TEST_F(MenuButtonTest, RefreshedMenuTellsRowsOfOneTitleApart) {
+  button->setRows([] {
+    return std::vector<MenuRow>{{.title = QStringLiteral("Custom")},
+                                {.title = QStringLiteral("Custom")},
+                                {.title = QStringLiteral("Custom")}};
+  });
+  button->openMenu();
+  menu().setActiveAction(menu().actionOf(1));
+  button->refreshMenu();
+  EXPECT_EQ(menu().activeAction(), menu().actionOf(1));
+}
+
 TEST_F(MenuButtonTest, WithoutRowsItStaysClosed) {
   button->setRows([] { return std::vector<MenuRow>(); });
   QTest::mousePress(button, Qt::LeftButton);
@@ -90,6 +102,13 @@ TEST_F(MenuButtonTest, OpenItTakesTheControlsFill) {
   button->openMenu();
   EXPECT_EQ(button->grab().toImage().pixelColor(5, 14), stage.theme.palette().controlBackground);
   menu().close();
+  EXPECT_EQ(button->grab().toImage().pixelColor(5, 14), stage.theme.palette().buttonBackground);
+}
+
+TEST_F(MenuButtonTest, PressedOpenAndClosedItHasNoTraceOfThePress) {
+  QTest::mousePress(button, Qt::LeftButton);
+  EXPECT_EQ(button->grab().toImage().pixelColor(5, 14), stage.theme.palette().controlBackground);
+  QTest::keyClick(&menu(), Qt::Key_Escape);
   EXPECT_EQ(button->grab().toImage().pixelColor(5, 14), stage.theme.palette().buttonBackground);
 }
 
@@ -159,6 +178,24 @@ TEST_F(MenuButtonTest, TheRowUnderThePointerIsFilledWithTheAccent) {
   EXPECT_EQ(picture.pixelColor(row.right() - 8, row.center().y()), stage.theme.palette().accentFill);
   const QRect other = menu().actionGeometry(menu().actionOf(0));
   EXPECT_EQ(picture.pixelColor(other.right() - 8, other.center().y()), stage.theme.palette().menuBackground);
+}
+
+TEST_F(MenuButtonTest, WhereNothingShowsThroughTheMenuIsCutToItsPanel) {
+  button->openMenu();
+  const QRect shadowed = menu().panel().translated(menu().pos());
+  menu().close();
+  stage.theme.force({.reduceMotion = true, .seeThrough = false});
+  button->openMenu();
+  EXPECT_EQ(menu().panel(), menu().rect());
+  EXPECT_EQ(menu().geometry(), shadowed);
+  EXPECT_FALSE(menu().mask().contains(QPoint(0, 0)));
+  EXPECT_TRUE(menu().mask().contains(QPoint(20, 0)));
+  QTest::mouseClick(&menu(), Qt::LeftButton, {}, middleOf(3));
+  EXPECT_EQ(chosen, (std::vector<std::string>{"r&d"}));
+  stage.theme.force({.reduceMotion = true, .seeThrough = true});
+  button->openMenu();
+  EXPECT_EQ(menu().panel().translated(menu().pos()), shadowed);
+  EXPECT_TRUE(menu().mask().isEmpty());
 }
 
 TEST_F(MenuButtonTest, RowsMayChangeWhileOneIsCarriedOut) {

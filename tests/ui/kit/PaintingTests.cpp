@@ -116,5 +116,14 @@ TEST(Painting, WhatHasNoColourCastsNoShadow) {
   EXPECT_TRUE(inked(picture).isNull());
 }
 
+TEST(RoundedRegion, IsTheRectangleWithoutItsCorners) {
+  const QRegion region = roundedRegion(QRect(10, 20, 60, 40), 9);
+  EXPECT_EQ(region.boundingRect(), QRect(10, 20, 60, 40));
+  for (const QPoint& corner : {QPoint(10, 20), QPoint(69, 20), QPoint(10, 59), QPoint(69, 59)})
+    EXPECT_FALSE(region.contains(corner)) << corner.x() << ", " << corner.y();
+  for (const QPoint& edge : {QPoint(19, 20), QPoint(60, 20), QPoint(10, 29), QPoint(69, 50), QPoint(40, 59)})
+    EXPECT_TRUE(region.contains(edge)) << edge.x() << ", " << edge.y();
+}
+
 } // namespace
 } // namespace ventolith::ui

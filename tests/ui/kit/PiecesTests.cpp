@@ -6,7 +6,10 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QBoxLayout>
+#include <QHelpEvent>
 #include <QPushButton>
+#include <QTextDocument>
+#include <QToolTip>
 
 #include <gtest/gtest.h>
 
@@ -96,6 +99,26 @@ TEST(TextLabel, AWholeTextNeverShrinksAnElidedOneDoes) {
   EXPECT_EQ(label.minimumSizeHint().height(), 17);
 }
 
+TEST(TextLabel, AShortenedTextIsTheToolTipLetterForLetter) {
+  const Theme theme;
+  TextLabel label(theme, TextRole::body, &Palette::primaryText);
+  label.setFit(Fit::elided);
+  label.resize(40, 18);
+  const auto tipOf = [&](const QString& text) {
+    label.setText(text);
+    QHelpEvent event(QEvent::ToolTip, QPoint(2, 2), QPoint(2, 2));
+    QApplication::sendEvent(&label, &event);
+    QTextDocument shown;
+    const QString tip = QToolTip::text();
+    Qt::mightBeRichText(tip) ? shown.setHtml(tip) : shown.setPlainText(tip);
+    QToolTip::hideText();
+    return shown.toPlainText();
+  };
+  EXPECT_EQ(tipOf(longText), longText);
+  const QString markup = QStringLiteral("<b>The fan</b> at the far left & behind");
+  EXPECT_EQ(tipOf(markup), markup);
+}
+
 TEST(TextLabel, AWrappedTextTakesTheLinesThatItNeeds) {
   const Theme theme;
   TextLabel label(theme, TextRole::secondary, &Palette::secondaryText);
@@ -156,6 +179,15 @@ TEST(Badge, HasTheHeightsOfTheDesignAndSaysItsWord) {
   EXPECT_EQ(accessible(normal)->text(QAccessible::Name), QStringLiteral("Curve"));
 }
 
+TEST(Badge, TheOneThatSaysActiveHasALargerMarkAndMoreRoom) {
+  const Theme theme;
+  Badge badge(theme);
+  badge.setContent(Symbol::checkmark, QStringLiteral("Active"), BadgeStyle::strong);
+  const QSize strong = badge.sizeHint();
+  badge.setContent(Symbol::checkmark, QStringLiteral("Active"), BadgeStyle::active);
+  EXPECT_EQ(badge.sizeHint(), strong + QSize(2, 0));
+}
+
 TEST(Badge, OnlyTheQuietOneIsNotInTheAccent) {
   const Theme theme;
   Badge badge(theme);
@@ -178,6 +210,16 @@ TEST(Card, ItsTitleIsItsName) {
   Card card(theme);
   card.setTitle(Symbol::fan, QStringLiteral("Fans"));
   EXPECT_EQ(accessible(card)->text(QAccessible::Name), QStringLiteral("Fans"));
+}
+
+TEST(Surface, IsAGroupForAssistiveTechnologyAndAnErrorIsAnAlert) {
+  const Theme theme;
+  Surface tile(theme, surfaces::tile);
+  Card card(theme);
+  ErrorStrip strip(theme);
+  EXPECT_EQ(accessible(tile)->role(), QAccessible::Grouping);
+  EXPECT_EQ(accessible(card)->role(), QAccessible::Grouping);
+  EXPECT_EQ(accessible(strip)->role(), QAccessible::AlertMessage);
 }
 
 TEST(Card, ContentStandsBelowTheTitleInsideThePadding) {

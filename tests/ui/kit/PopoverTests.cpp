@@ -117,6 +117,27 @@ TEST_F(PopoverTest, FadesInWithinAHundredAndTwentyMilliseconds) {
   EXPECT_DOUBLE_EQ(popover->appearing().value(), 1);
 }
 
+TEST_F(PopoverTest, WhereNothingShowsThroughItIsCutToItsPanel) {
+  stage.theme.force({.reduceMotion = true, .seeThrough = false});
+  popover->openFrom(*anchor);
+  EXPECT_EQ(popover->panel(), popover->rect());
+  EXPECT_EQ(popover->size(), QSize(220 + 32, 28 + 32));
+  EXPECT_EQ(popover->mapToGlobal(QPoint()).y(), anchor->mapToGlobal(QPoint(0, anchor->height())).y() + 5);
+  EXPECT_FALSE(popover->mask().contains(QPoint(0, 0)));
+  EXPECT_TRUE(popover->mask().contains(QPoint(20, 0)));
+  EXPECT_EQ(popover->grab().toImage().pixelColor(3, 3).alpha(), 255);
+}
+
+TEST_F(PopoverTest, TheNextTimeThatItOpensItMayCastAShadowAgain) {
+  stage.theme.force({.reduceMotion = true, .seeThrough = false});
+  popover->openFrom(*anchor);
+  popover->close();
+  stage.theme.force({.reduceMotion = true, .seeThrough = true});
+  popover->openFrom(*anchor);
+  EXPECT_NE(popover->panel(), popover->rect());
+  EXPECT_TRUE(popover->mask().isEmpty());
+}
+
 TEST_F(PopoverTest, SpeaksAsADialogOfItsName) {
   popover->setAccessibleName(QStringLiteral("Save as Preset"));
   EXPECT_EQ(spoken(*popover).role(), QAccessible::Dialog);

@@ -94,6 +94,7 @@ protected:
     QObject::connect(slider, &Slider::valueChanged,
                      [this](double value) { said.push_back(QString::number(value).toStdString()); });
     QObject::connect(slider, &Slider::pressEnded, [this] { said.emplace_back("ended"); });
+    QObject::connect(slider, &Slider::pressAbandoned, [this] { said.emplace_back("abandoned"); });
     stage.show();
     slider->setFocus(Qt::TabFocusReason);
   }
@@ -266,11 +267,9 @@ TEST_F(SliderTest, APressIsEndedOnceHoweverItIsTaken) {
   const struct {
     const char* name;
     std::function<void()> take;
-  } table[] = {{"disabled", [this] { slider->setEnabled(false); }},
-               {"hidden", [this] { slider->hide(); }},
+  } table[] = {{"hidden", [this] { slider->hide(); }},
                {"without the keyboard", [this] { slider->clearFocus(); }}};
   for (const auto& [name, take] : table) {
-    slider->setEnabled(true);
     slider->show();
     slider->setFocus();
     said.clear();
@@ -278,6 +277,30 @@ TEST_F(SliderTest, APressIsEndedOnceHoweverItIsTaken) {
     take();
     EXPECT_EQ(said, (Said{"began", "50", "ended"})) << name;
     release(108);
+    EXPECT_EQ(said.size(), 3U) << name;
+  }
+}
+
+TEST_F(SliderTest, APressThatADisabledSliderTakesIsAbandonedWhateverHeldIt) {
+  const struct {
+    const char* name;
+    std::function<void()> hold, letGo;
+    const char* value;
+  } table[] = {
+      {"pointer", [this] { press(108); }, [this] { release(108); }, "50"},
+      {"key", [this] { QTest::keyPress(slider, Qt::Key_Right); },
+       [this] { QTest::keyRelease(slider, Qt::Key_Right); }, "51"},
+      {"wheel", [this] { turnWheel(*slider, 120); }, [this] { pulse->beat(); }, "51"},
+  };
+  for (const auto& [name, hold, letGo, value] : table) {
+    slider->setEnabled(true);
+    slider->setFocus();
+    slider->setValue(50);
+    said.clear();
+    hold();
+    slider->setEnabled(false);
+    EXPECT_EQ(said, (Said{"began", value, "abandoned"})) << name;
+    letGo();
     EXPECT_EQ(said.size(), 3U) << name;
   }
 }

@@ -59,8 +59,8 @@ TEST_F(StepperTest, ItsArrowsAreFifteenByTwentyTwo) {
   EXPECT_EQ(stepper->sizeHint().height(), 22);
 }
 
-TEST_F(StepperTest, KeepsRoomForItsWidestLabel) {
-  stepper->setWidestLabel(QStringLiteral("100%"));
+TEST_F(StepperTest, KeepsRoomForALongerLabel) {
+  stepper->setRoomFor(QStringLiteral("100%"));
   const QSize before = stepper->sizeHint();
   give(100);
   EXPECT_EQ(stepper->sizeHint(), before);
@@ -74,7 +74,7 @@ TEST_F(StepperTest, KeepsItsLabelAtTheLeadingEdgeOfItsRoom) {
         if (picture.pixel(x, y) != picture.pixel(0, 0)) return true;
     return false;
   };
-  stepper->setWidestLabel(QStringLiteral("10000%"));
+  stepper->setRoomFor(QStringLiteral("10000%"));
   stepper->resize(stepper->sizeHint());
   EXPECT_TRUE(isInked(0));
   EXPECT_FALSE(isInked(stepper->width() - Stepper::arrowsWidth - Stepper::gap - 10));

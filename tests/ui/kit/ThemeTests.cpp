@@ -1,9 +1,11 @@
 #include "ui/kit/FollowsQt.h"
 #include "ui/kit/Surface.h"
 #include "ui/kit/Theme.h"
+#include "ui/kit/Type.h"
 
 #include <QApplication>
 #include <QPalette>
+#include <QToolTip>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -100,6 +102,23 @@ TEST(Theme, ACardTakesTheNewColoursAtOnce) {
   EXPECT_EQ(card.grab().toImage().pixelColor(30, 30), Palette::of(Appearance::light).cardBackground);
   theme.force({.appearance = Appearance::dark});
   EXPECT_EQ(card.grab().toImage().pixelColor(30, 30), Palette::of(Appearance::dark).cardBackground);
+}
+
+TEST(Theme, ToolTipsHaveItsColours) {
+  Theme theme;
+  for (const Appearance appearance : {Appearance::dark, Appearance::light}) {
+    theme.force({.appearance = appearance});
+    EXPECT_EQ(QToolTip::palette().color(QPalette::ToolTipBase), theme.palette().menuBackground);
+    EXPECT_EQ(QToolTip::palette().color(QPalette::ToolTipText), theme.palette().secondaryText);
+  }
+  EXPECT_EQ(QToolTip::font().pixelSize(), styleOf(TextRole::secondary).pixels);
+}
+
+TEST(Theme, AScreenWithoutAnXServerShowsThroughUnlessItIsToldOtherwise) {
+  Theme theme;
+  EXPECT_TRUE(theme.seeThrough());
+  theme.force({.seeThrough = false});
+  EXPECT_FALSE(theme.seeThrough());
 }
 
 TEST(FollowsQt, APaletteOfDarkWindowsIsDark) {

@@ -1,12 +1,12 @@
 #include "Pages.h"
 
 #include "ui/CurveChart.h"
+#include "ui/CurveControlsRow.h"
 #include "ui/RootView.h"
 #include "ui/SavePresetForm.h"
+#include "ui/kit/Picker.h"
 #include "ui/kit/Popover.h"
 #include "ui/kit/TextField.h"
-
-#include <QTest>
 
 namespace ventolith::ui::pictures {
 
@@ -14,26 +14,19 @@ namespace {
 
 constexpr QSize usual{1000, 880};
 
-core::FanCurve fourPoints() {
-  core::FanCurve curve;
-  for (const auto& [celsius, percent] : {std::pair{40, 10}, {58, 35}, {75, 70}, {90, 100}})
-    curve.points.push_back(
-        {.celsius = static_cast<double>(celsius), .percent = static_cast<double>(percent)});
-  return curve;
-}
-
-/// The editor with the second point chosen.
+/// The editor with the fan that has a curve of a preset, and its second point chosen. Nothing is sent: the
+/// preset stays the active one.
 QWidget& chosen(Scene& scene) {
-  scene.itsModel().setFanCurve(fourPoints(), {0});
   auto& root = scene.keep(std::make_unique<RootView>(scene.given()));
   root.setSection(AppSection::curves);
   root.setAttribute(Qt::WA_DontShowOnScreen);
   root.resize(usual);
   root.show(); // What is chosen is gone with each showing.
   scene.settleDown();
-  auto& chart = *root.findChild<CurveChart*>();
-  const QPoint second = chart.chart().position({.celsius = 58, .percent = 35}).toPoint();
-  QTest::mouseClick(&chart, Qt::LeftButton, Qt::NoModifier, second);
+  auto& fan = *root.findChild<CurveControlsRow*>()->findChild<Picker*>();
+  fan.setCurrent(1);
+  Q_EMIT fan.picked(1);
+  root.findChild<CurveChart*>()->choosePoint(1);
   return root;
 }
 

@@ -3,6 +3,7 @@
 
 #include "Scene.h"
 
+#include <QImage>
 #include <QSize>
 #include <QString>
 #include <QWidget>
@@ -11,6 +12,9 @@
 #include <vector>
 
 namespace ventolith::ui::pictures {
+
+/// At twice the size.
+[[nodiscard]] QImage pictureOf(QWidget& view);
 
 /// `make` puts what is seen into a scene, which keeps it.
 struct Page {
@@ -28,5 +32,8 @@ struct Page {
 
 /// The curve editor with a point chosen, and what it saves a preset with.
 [[nodiscard]] std::vector<Page> curvePages();
+
+/// Rules and presets in the user's hand: open menus, a name being written, a row being dragged.
+[[nodiscard]] std::vector<Page> workPages();
 
 } // namespace ventolith::ui::pictures

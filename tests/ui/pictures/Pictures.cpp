@@ -13,9 +13,17 @@
 #include <optional>
 
 namespace ventolith::ui::pictures {
-namespace {
 
-constexpr double scale = 2;
+QImage pictureOf(QWidget& view) {
+  constexpr double scale = 2;
+  QImage image(view.size() * scale, QImage::Format_ARGB32_Premultiplied);
+  image.setDevicePixelRatio(scale);
+  image.fill(Qt::transparent);
+  view.render(&image);
+  return image;
+}
+
+namespace {
 
 struct Order {
   QDir folder;
@@ -41,18 +49,9 @@ std::optional<Order> orderFrom(const QStringList& arguments) {
   return order;
 }
 
-QImage pictureOf(QWidget& view) {
-  QImage image(view.size() * scale, QImage::Format_ARGB32_Premultiplied);
-  image.setDevicePixelRatio(scale);
-  image.fill(Qt::transparent);
-  view.render(&image);
-  return image;
-}
-
 bool write(const Order& order, const Page& page, Appearance appearance) {
   Scene scene(page.situation, appearance);
   QWidget& view = page.make(scene);
-  view.setAttribute(Qt::WA_DontShowOnScreen);
   const QString look = appearance == Appearance::dark ? QStringLiteral("dark") : QStringLiteral("light");
   std::vector<QSize> sizes = order.size ? std::vector{*order.size} : page.sizes;
   if (sizes.empty()) sizes.push_back(view.sizeHint());
@@ -69,7 +68,7 @@ bool write(const Order& order, const Page& page, Appearance appearance) {
 }
 
 bool writeAll(const Order& order) {
-  for (const std::vector<Page>& pages : {windowPages(), menuBarPages(), curvePages()})
+  for (const std::vector<Page>& pages : {windowPages(), menuBarPages(), curvePages(), workPages()})
     for (const Page& page : pages)
       for (const Appearance appearance : {Appearance::light, Appearance::dark})
         if (order.wants(page.name) && !write(order, page, appearance)) return false;

@@ -66,15 +66,15 @@ SensorSnapshot readingWithLongNames() {
   return reading;
 }
 
-FanRule whenAbove(double celsius, double percent, double dwell) {
+FanRule whenAbove(double celsius, double releaseBelow, double percent, double dwell) {
   return {.thresholdCelsius = celsius,
-          .releaseBelowCelsius = celsius - 5,
+          .releaseBelowCelsius = releaseBelow,
           .targetPercent = percent,
           .dwellSeconds = dwell};
 }
 
 std::vector<FanRule> rules() {
-  std::vector<FanRule> rules{whenAbove(85, 80, 3), whenAbove(62, 60, 5), whenAbove(42, 45, 10)};
+  std::vector<FanRule> rules{whenAbove(85, 80, 80, 3), whenAbove(62, 56, 60, 5), whenAbove(42, 39, 45, 10)};
   rules[1].sensorID = sensors()[5].id();
   rules[1].fanTarget = core::RuleFanTarget::fan(1);
   rules[2].sensorID = sensors()[6].id();
@@ -82,8 +82,19 @@ std::vector<FanRule> rules() {
   return rules;
 }
 
+/// With a preset's colour given by the sum of its identifier's bytes, pictures are the same each time.
+core::UUID idOfSum(int sum) {
+  core::UUID id{};
+  for (auto& byte : id) {
+    byte = static_cast<std::uint8_t>(std::min(sum, 255));
+    sum -= byte;
+  }
+  return id;
+}
+
 FanPreset studioSession() {
   return {
+      .id = idOfSum(282),
       .name = "Studio Session",
       .plan = {.fans = {{0, FanControlModePlan::fixedRPM(2200)}, {1, FanControlModePlan::fixedRPM(2400)}}}};
 }
@@ -114,22 +125,32 @@ FanControlPlan planInAllModes() {
                {2, FanControlModePlan::fixedPercent(100)},
                {3, Library::quiet({3}).plan.fans.front().mode},
                {4, Library::maxx({4}).plan.fans.front().mode}};
-  for (int index = 0; index < 12; ++index)
-    plan.rules.push_back(whenAbove(50 + 4 * index, 30 + 5 * index, index));
+  for (int index = 0; index < 12; ++index) {
+    const int celsius = 50 + 5 * index;
+    plan.rules.push_back(whenAbove(celsius, celsius - 5, 5 + 9 * index, index));
+    if (index % 3 == 1)
+      plan.rules.back().sensorID = fullReading().temps[static_cast<std::size_t>(index)].id();
+    if (index % 3 == 2) plan.rules.back().fanTarget = core::RuleFanTarget::fan(index); // Some are not there.
+    plan.rules.back().enabled = index % 4 != 3;
+  }
   return plan;
 }
 
 std::vector<FanPreset> manyPresets() {
   std::vector<FanPreset> presets = commonPresets();
   for (int index = 0; index < 12; ++index)
-    presets.push_back({.name = "Preset " + std::to_string(index), .plan = Library::quiet({0}).plan});
+    presets.push_back({.id = idOfSum(300 + 30 * index),
+                       .name = "Preset " + std::to_string(index),
+                       .plan = Library::quiet({0}).plan});
   return presets;
 }
 
 std::vector<FanPreset> presetsWithLongNames() {
   std::vector<FanPreset> presets = commonPresets();
-  presets.push_back({.name = "A preset for long nights of rendering in the warm room under the roof",
+  presets.push_back({.id = idOfSum(25),
+                     .name = "A preset for long nights of rendering in the warm room under the roof",
                      .plan = Library::balanced({0, 1}).plan});
+  presets.back().plan.rules = rules();
   return presets;
 }
 
@@ -179,12 +200,14 @@ void Scene::set(Situation situation) {
   case Situation::inactive:
     readings.next = reading(2310, 2452);
     registration->status = app::DaemonStatus::notRegistered;
+    store.savePlan({.rules = rules()});
     break;
   case Situation::stale:
     readings.next = reading(3187, 6851);
     helper::HelperManager::reportHelperStale(true);
     store.savePlan(
-        {.fans = {{0, FanControlModePlan::fixedRPM(3200)}, {1, FanControlModePlan::fixedPercent(100)}}});
+        {.fans = {{0, FanControlModePlan::fixedRPM(3200)}, {1, FanControlModePlan::fixedPercent(100)}},
+         .rules = rules()});
     break;
   case Situation::error: driver.openError = hardware::SMCError::driverNotFound(); break;
   case Situation::many:

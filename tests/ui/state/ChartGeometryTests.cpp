@@ -53,8 +53,8 @@ TEST(ChartGeometry, SurfaceLeavesRoomForTicksAndLabels) {
 }
 
 TEST(ChartGeometry, TicksStandOnTheDrawnValues) {
-  EXPECT_EQ(steps(curveTemperatures, temperatureTickStep), (std::vector<double>{30, 45, 60, 75, 90, 105}));
-  EXPECT_EQ(steps(curveSpeeds, speedTickStep), (std::vector<double>{0, 25, 50, 75, 100}));
+  EXPECT_EQ(steps(xDomain, temperatureTickStep), (std::vector<double>{30, 45, 60, 75, 90, 105}));
+  EXPECT_EQ(steps(yDomain, speedTickStep), (std::vector<double>{0, 25, 50, 75, 100}));
 }
 
 TEST(ChartGeometry, StepsEndBeforeABoundThatTheyDoNotMeet) {

@@ -11,7 +11,7 @@ using Direction = CurveEditing::Direction;
 
 class CurveDrag : public CurveEditingFixture {
 protected:
-  void SetUp() override { editing.appear(); }
+  void SetUp() override { editing.onFirstAppear(); }
 };
 
 TEST_F(CurveDrag, PressPicksUpAndSelectsTheNearestPoint) {
@@ -86,9 +86,9 @@ TEST_F(CurveDrag, ChangeWithoutAPlotOrAPlaceIsIgnored) {
   dragFrom(60, 40);
   const Values before = values();
   const double notANumber = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_FALSE(editing.drag({notANumber, 50}, chart));
-  EXPECT_FALSE(editing.drag({50, std::numeric_limits<double>::infinity()}, chart));
-  EXPECT_FALSE(editing.drag({50, 50}, ChartGeometry{.plot = QRectF(0, 0, 0, 100)}));
+  EXPECT_FALSE(editing.handleDrag({notANumber, 50}, chart));
+  EXPECT_FALSE(editing.handleDrag({50, std::numeric_limits<double>::infinity()}, chart));
+  EXPECT_FALSE(editing.handleDrag({50, 50}, ChartGeometry{.plot = QRectF(0, 0, 0, 100)}));
   EXPECT_EQ(values(), before);
 }
 

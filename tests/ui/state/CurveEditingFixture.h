@@ -23,6 +23,13 @@ struct RecordingCurveModel final : CurveEditingModel {
 
   const core::SensorSnapshot& snapshot() const override { return reading; }
   const core::FanControlPlan& activePlan() const override { return plan; }
+  std::optional<core::FanCurve> curve(core::FanID fan) const override {
+    for (const core::FanPlan& entry : plan.fans) {
+      const auto* const curve = std::get_if<core::FanControlModePlan::Curve>(&entry.mode.value);
+      if (entry.fanID == fan && curve != nullptr) return curve->curve;
+    }
+    return std::nullopt;
+  }
   void setFanCurve(const core::FanCurve& curve, const std::vector<core::FanID>& fanIDs) override {
     std::string line = "curve for";
     for (const core::FanID id : fanIDs)
@@ -52,7 +59,7 @@ protected:
   }
 
   bool dragTo(double celsius, double percent) {
-    return editing.drag(chart.position({.celsius = celsius, .percent = percent}), chart);
+    return editing.handleDrag(chart.position({.celsius = celsius, .percent = percent}), chart);
   }
   bool dragFrom(double celsius, double percent) { return dragTo(celsius, percent); }
   void select(double celsius, double percent) {

@@ -20,7 +20,7 @@ const Values defaultValues = {{40, 15}, {60, 40}, {80, 75}, {92, 100}};
 
 TEST_F(CurveEditor, BeginsWithTheDefaultCurveAndTuning) {
   EXPECT_FALSE(editing.selectedFanID());
-  EXPECT_FALSE(editing.isLinked());
+  EXPECT_FALSE(editing.linked());
   EXPECT_EQ(values(), defaultValues);
   EXPECT_FALSE(editing.editingCurve().sourceSensorID);
   EXPECT_FALSE(editing.draggingPointID());
@@ -35,7 +35,7 @@ TEST_F(CurveEditor, AppearingChoosesTheFirstFanAndLoadsItsCurveAndTheTuning) {
   model.reading.fans = {fan(3), fan(4)};
   model.plan = support::plan({{3, core::FanControlModePlan::curve(support::curve({{80, 70}, {50, 20}}))}}, {},
                              {.emaAlpha = 0.7, .hysteresisCelsius = 4.5});
-  editing.appear();
+  editing.onFirstAppear();
   EXPECT_EQ(editing.selectedFanID(), 3);
   EXPECT_EQ(values(), (Values{{50, 20}, {80, 70}}));
   EXPECT_EQ(editing.hysteresis(), 4.5);
@@ -45,21 +45,21 @@ TEST_F(CurveEditor, AppearingChoosesTheFirstFanAndLoadsItsCurveAndTheTuning) {
 
 TEST_F(CurveEditor, FanWithoutACurveGetsTheDefaultOne) {
   model.plan = support::planOf(core::FanControlModePlan::fixedRPM(3000));
-  editing.appear();
+  editing.onFirstAppear();
   EXPECT_EQ(values(), defaultValues);
 }
 
 TEST_F(CurveEditor, AppearingAgainKeepsTheChosenFan) {
   model.reading.fans = {fan(0), fan(1)};
-  editing.appear();
+  editing.onFirstAppear();
   editing.chooseFan(1);
-  editing.appear();
+  editing.onFirstAppear();
   EXPECT_EQ(editing.selectedFanID(), 1);
 }
 
 TEST_F(CurveEditor, WithoutFansNothingIsChosenUntilOneAppears) {
   model.reading.fans = {};
-  editing.appear();
+  editing.onFirstAppear();
   EXPECT_FALSE(editing.hasFans());
   EXPECT_FALSE(editing.selectedFanID());
   EXPECT_FALSE(editing.takeSnapshot());
@@ -72,14 +72,14 @@ TEST_F(CurveEditor, WithoutFansNothingIsChosenUntilOneAppears) {
 }
 
 TEST_F(CurveEditor, ChosenFanStaysWhenItLeavesTheSnapshot) {
-  editing.appear();
+  editing.onFirstAppear();
   model.reading.fans = {fan(7)};
   EXPECT_FALSE(editing.takeSnapshot());
   EXPECT_EQ(editing.selectedFanID(), 0);
 }
 
 TEST_F(CurveEditor, SnapshotDuringADragLeavesTheCurveAlone) {
-  editing.appear();
+  editing.onFirstAppear();
   dragFrom(60, 40);
   dragTo(62, 50);
   model.plan = support::planOf(core::FanControlModePlan::curve(support::curve({{50, 20}})));
@@ -90,7 +90,7 @@ TEST_F(CurveEditor, SnapshotDuringADragLeavesTheCurveAlone) {
 TEST_F(CurveEditor, ChoosingAFanLoadsItsCurveForgetsThePointsAndSendsNothing) {
   model.reading.fans = {fan(0), fan(1)};
   model.plan = support::plan({{1, core::FanControlModePlan::curve(support::curve({{50, 20}, {70, 60}}))}});
-  editing.appear();
+  editing.onFirstAppear();
   dragFrom(60, 40);
   editing.chooseFan(1);
   EXPECT_EQ(values(), (Values{{50, 20}, {70, 60}}));
@@ -100,7 +100,7 @@ TEST_F(CurveEditor, ChoosingAFanLoadsItsCurveForgetsThePointsAndSendsNothing) {
 }
 
 TEST_F(CurveEditor, ChoosingASensorSendsTheCurve) {
-  editing.appear();
+  editing.onFirstAppear();
   editing.chooseSensor("SMC-TC0P");
   EXPECT_EQ(model.log, Log{"curve for 0"});
   EXPECT_EQ(model.sentCurve.sourceSensorID, "SMC-TC0P");
@@ -110,7 +110,7 @@ TEST_F(CurveEditor, ChoosingASensorSendsTheCurve) {
 
 TEST_F(CurveEditor, LinkTakesEffectAtTheNextCommit) {
   model.reading.fans = {fan(0), fan(1), fan(4)};
-  editing.appear();
+  editing.onFirstAppear();
   editing.chooseFan(1);
   editing.setLinked(true);
   EXPECT_TRUE(model.log.empty());
@@ -123,7 +123,7 @@ TEST_F(CurveEditor, LinkTakesEffectAtTheNextCommit) {
 
 TEST_F(CurveEditor, WithoutAChosenFanNothingIsSent) {
   model.reading.fans = {};
-  editing.appear();
+  editing.onFirstAppear();
   editing.addPoint();
   editing.resetCurve();
   editing.endDrag();
@@ -148,34 +148,34 @@ TEST_F(CurveEditor, LineHasSeventySixSamplesOfTheCurve) {
 
 TEST_F(CurveEditor, LivePointIsWhereTheHottestSensorMeetsTheCurve) {
   model.reading.temps = {sensor("A", 50), sensor("B", 60), sensor("C", 40)};
-  editing.appear();
-  EXPECT_EQ(editing.livePoint(), (ChartValue{60, 40}));
+  editing.onFirstAppear();
+  EXPECT_EQ(editing.liveDataPoint(), (ChartValue{60, 40}));
 }
 
 TEST_F(CurveEditor, LivePointFollowsTheChosenSensor) {
   model.reading.temps = {sensor("A", 50), sensor("B", 60)};
-  editing.appear();
+  editing.onFirstAppear();
   editing.chooseSensor("SMC-A");
-  EXPECT_EQ(editing.livePoint(), (ChartValue{50, 27.5}));
+  EXPECT_EQ(editing.liveDataPoint(), (ChartValue{50, 27.5}));
 }
 
 TEST_F(CurveEditor, SensorThatIsGoneGivesNoLivePointAndLeavesTheCurve) {
   model.reading.temps = {sensor("A", 50)};
-  editing.appear();
+  editing.onFirstAppear();
   editing.chooseSensor("SMC-B");
   EXPECT_FALSE(editing.sourceTemp());
-  EXPECT_FALSE(editing.livePoint());
+  EXPECT_FALSE(editing.liveDataPoint());
   EXPECT_EQ(editing.editingCurve().sourceSensorID, "SMC-B");
   EXPECT_EQ(values(), defaultValues);
 }
 
 TEST_F(CurveEditor, WithoutSensorsThereIsNoLivePoint) {
-  editing.appear();
-  EXPECT_FALSE(editing.livePoint());
+  editing.onFirstAppear();
+  EXPECT_FALSE(editing.liveDataPoint());
 }
 
 TEST_F(CurveEditor, AddingAPointHalvesTheWidestGapOnTheCurve) {
-  editing.appear();
+  editing.onFirstAppear();
   editing.addPoint();
   EXPECT_EQ(values(), (Values{{40, 15}, {50, 27.5}, {60, 40}, {80, 75}, {92, 100}}));
   ASSERT_TRUE(editing.selectedPoint());
@@ -186,14 +186,14 @@ TEST_F(CurveEditor, AddingAPointHalvesTheWidestGapOnTheCurve) {
 
 TEST_F(CurveEditor, AddingToACurveWithoutPointsStartsInTheMiddleOfTheAxis) {
   model.plan = support::planOf(core::FanControlModePlan::curve(support::curve({})));
-  editing.appear();
+  editing.onFirstAppear();
   editing.addPoint();
   EXPECT_EQ(values(), (Values{{67.5, 0}}));
 }
 
 TEST_F(CurveEditor, PointAddedBetweenTwoADegreeApartCannotBeMoved) {
   model.plan = support::planOf(core::FanControlModePlan::curve(support::curve({{60, 40}, {61, 50}})));
-  editing.appear();
+  editing.onFirstAppear();
   editing.addPoint();
   EXPECT_EQ(values(), (Values{{60, 40}, {60.5, 45}, {61, 50}}));
   dragFrom(60.5, 45);
@@ -201,8 +201,21 @@ TEST_F(CurveEditor, PointAddedBetweenTwoADegreeApartCannotBeMoved) {
   EXPECT_EQ(values(), (Values{{60, 40}, {60.5, 45}, {61, 50}}));
 }
 
+TEST_F(CurveEditor, PointBetweenTwoADegreeApartMovesOnceANeighbourHasMoved) {
+  model.plan = support::planOf(core::FanControlModePlan::curve(support::curve({{60, 40}, {61, 50}})));
+  editing.onFirstAppear();
+  editing.addPoint();
+  editing.selectPoint(2);
+  for (int step = 0; step < 3; ++step)
+    editing.nudgeSelectedPoint(Nudge::warmer);
+  EXPECT_EQ(values(), (Values{{60, 40}, {60.5, 45}, {64, 50}}));
+  dragFrom(60.5, 45);
+  dragTo(62, 90);
+  EXPECT_EQ(values(), (Values{{60, 40}, {62, 90}, {64, 50}}));
+}
+
 TEST_F(CurveEditor, DeletingTakesTheSelectedPointAway) {
-  editing.appear();
+  editing.onFirstAppear();
   select(60, 40);
   ASSERT_TRUE(editing.canDeleteSelected());
   model.log.clear();
@@ -213,7 +226,7 @@ TEST_F(CurveEditor, DeletingTakesTheSelectedPointAway) {
 }
 
 TEST_F(CurveEditor, NothingIsDeletedWithoutAPointThatCanBe) {
-  editing.appear();
+  editing.onFirstAppear();
   EXPECT_FALSE(editing.canDeleteSelected());
   editing.deleteSelectedPoint();
   select(40, 15);
@@ -228,13 +241,13 @@ TEST_F(CurveEditor, NothingIsDeletedWithoutAPointThatCanBe) {
 
 TEST_F(CurveEditor, NeitherOfTwoPointsCanBeDeleted) {
   model.plan = support::planOf(core::FanControlModePlan::curve(support::curve({{40, 10}, {80, 60}})));
-  editing.appear();
+  editing.onFirstAppear();
   select(40, 10);
   EXPECT_FALSE(editing.canDeleteSelected());
 }
 
 TEST_F(CurveEditor, ResettingGoesBackToTheDefaultCurveOfTheHottestSensor) {
-  editing.appear();
+  editing.onFirstAppear();
   editing.chooseSensor("SMC-TC0P");
   editing.addPoint();
   editing.resetCurve();
@@ -253,7 +266,7 @@ TEST_F(CurveEditor, SavingAPresetBeginsWithAName) {
 }
 
 TEST_F(CurveEditor, SavingAPresetSendsTheCurveFirstAndTheNameWithoutBlanksAround) {
-  editing.appear();
+  editing.onFirstAppear();
   editing.beginSavingPreset();
   editing.setPresetNameDraft(QStringLiteral(" \tNight work\t "));
   editing.savePreset();
@@ -262,7 +275,7 @@ TEST_F(CurveEditor, SavingAPresetSendsTheCurveFirstAndTheNameWithoutBlanksAround
 }
 
 TEST_F(CurveEditor, NameOfBlanksAloneSavesNothingAndKeepsThePopover) {
-  editing.appear();
+  editing.onFirstAppear();
   for (const QString& name : {QString(), QStringLiteral("   "), QStringLiteral("\t \t")}) {
     editing.beginSavingPreset();
     editing.setPresetNameDraft(name);
@@ -273,7 +286,7 @@ TEST_F(CurveEditor, NameOfBlanksAloneSavesNothingAndKeepsThePopover) {
 }
 
 TEST_F(CurveEditor, CancellingClosesThePopover) {
-  editing.appear();
+  editing.onFirstAppear();
   editing.beginSavingPreset();
   editing.cancelSavingPreset();
   EXPECT_FALSE(editing.isSavingPreset());
@@ -282,7 +295,7 @@ TEST_F(CurveEditor, CancellingClosesThePopover) {
 
 TEST_F(CurveEditor, TuningIsSentWhenASliderIsLetGo) {
   model.plan.tuning = {.minDwellSeconds = 7};
-  editing.appear();
+  editing.onFirstAppear();
   editing.setHysteresis(4.5);
   editing.setResponseAlpha(0.25);
   EXPECT_TRUE(model.log.empty());

@@ -193,7 +193,7 @@ TEST(CurveShaping, EndsAreNeverDeletedNorOneOfTwo) {
 
 TEST(CurveShaping, LineHasASampleAtEachStepOfBothBounds) {
   const core::FanCurve curve = support::curve({{40, 10}, {90, 60}});
-  const std::vector<ChartValue> line = samples(curve, curveTemperatures, 1);
+  const std::vector<ChartValue> line = samples(curve, xDomain, 1);
   ASSERT_EQ(line.size(), 76U);
   EXPECT_EQ(line.front(), (ChartValue{30, 10}));
   EXPECT_EQ(line[20], (ChartValue{50, 20}));

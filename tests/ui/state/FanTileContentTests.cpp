@@ -41,6 +41,15 @@ TEST(FanTile, GaugeStaysFullAndEmptyBeyondTheRange) {
   EXPECT_EQ(fanTileContent(state).gauge, 0);
 }
 
+TEST(FanTile, AFanWithoutARangeHasAGaugeThatEndsOneAboveItsMinimum) {
+  FanTileState state = tile(ControlMode::automatic);
+  state.fan.maxRPM = state.fan.minRPM;
+  state.fan.currentRPM = state.fan.minRPM;
+  EXPECT_EQ(fanTileContent(state).gauge, 0);
+  state.fan.currentRPM = state.fan.minRPM + 1;
+  EXPECT_EQ(fanTileContent(state).gauge, 1);
+}
+
 TEST(FanTile, RangeTextKeepsWhatTheFirmwareReports) {
   FanTileState state = tile(ControlMode::automatic);
   state.fan.maxRPM = 100;

@@ -24,11 +24,20 @@ app::MapBundleInfo::Values valuesOf(runtime::FileLayer& files, const fs::path& f
 InstalledBundle::InstalledBundle(runtime::FileLayer& files, const fs::path& propertyList)
     : values_(valuesOf(files, propertyList, complaint_)) {}
 
-fs::path InstalledBundle::propertyListBesideProgram() {
+InstalledBundle InstalledBundle::ofProgram(runtime::FileLayer& files) {
+  return {files, propertyListBesideProgram()};
+}
+
+fs::path InstalledBundle::resourceFolder() {
   std::error_code error;
   const fs::path program = fs::read_symlink("/proc/self/exe", error);
   if (error) return {};
-  return (program.parent_path() / "../share/ventolith/Info.plist").lexically_normal();
+  return (program.parent_path() / "../share/ventolith").lexically_normal();
+}
+
+fs::path InstalledBundle::propertyListBesideProgram() {
+  const fs::path folder = resourceFolder();
+  return folder.empty() ? fs::path() : folder / "Info.plist";
 }
 
 std::optional<std::string> InstalledBundle::string(std::string_view key) const {

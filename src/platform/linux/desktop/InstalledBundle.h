@@ -17,7 +17,13 @@ class InstalledBundle final : public app::BundleInfo {
 public:
   InstalledBundle(runtime::FileLayer& files, const std::filesystem::path& propertyList);
 
-  /// ../share/ventolith/Info.plist from the folder of the program that is running: in a build and installed.
+  /// Of the program that is running.
+  [[nodiscard]] static InstalledBundle ofProgram(runtime::FileLayer& files);
+
+  /// Where the files are that the application shows: ../share/ventolith from the folder of the program that
+  /// is running, in a build and installed.
+  [[nodiscard]] static std::filesystem::path resourceFolder();
+  /// Info.plist in there.
   [[nodiscard]] static std::filesystem::path propertyListBesideProgram();
 
   /// For standard error; none when all is well.

@@ -4,7 +4,19 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <thread>
+
 namespace ventolith::programs {
+
+namespace {
+
+QElapsedTimer startedWatch() {
+  QElapsedTimer watch;
+  watch.start();
+  return watch;
+}
+
+} // namespace
 
 class QtContext::Receiver final : public QObject {
 public:
@@ -37,15 +49,20 @@ void QtContext::endWork() {
 }
 
 void QtContext::runOut(std::chrono::milliseconds longest) {
-  const QElapsedTimer watch = [] {
-    QElapsedTimer started;
-    started.start();
-    return started;
-  }();
+  const QElapsedTimer watch = startedWatch();
   QTimer end; // Wakes a loop that has nothing else to do.
   end.start(longest);
   while (outstanding_ > 0 && !watch.hasExpired(longest.count()))
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::ExcludeUserInputEvents);
+}
+
+void QtContext::runOutAlone(std::chrono::milliseconds longest) {
+  constexpr std::chrono::milliseconds pause{1};
+  const QElapsedTimer watch = startedWatch();
+  while (outstanding_ > 0 && !watch.hasExpired(longest.count())) {
+    QCoreApplication::sendPostedEvents(receiver_.get(), Work::type());
+    std::this_thread::sleep_for(pause);
+  }
 }
 
 } // namespace ventolith::programs

@@ -31,6 +31,8 @@ public:
 
   /// Runs the loop until nothing that was begun on the executor is left, or `longest` has passed.
   void runOut(std::chrono::milliseconds longest);
+  /// The same without the rest of the loop: where the display is gone, Qt's loop would end the process.
+  void runOutAlone(std::chrono::milliseconds longest);
 
 private:
   friend class QtExecutor;

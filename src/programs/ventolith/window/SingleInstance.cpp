@@ -1,5 +1,6 @@
 #include "programs/ventolith/window/SingleInstance.h"
 
+#include <QCryptographicHash>
 #include <QLocalSocket>
 #include <QStandardPaths>
 
@@ -15,10 +16,14 @@ constexpr int answerTime = 1000; // Milliseconds.
 
 } // namespace
 
-QString instanceAddress() {
+QString instanceAddress(const std::optional<std::string>& bus) {
   QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
   if (folder.isEmpty()) folder = QStandardPaths::writableLocation(QStandardPaths::TempLocation);
-  return QStringLiteral("%1/ventolith-%2").arg(folder).arg(::getuid());
+  const QString address = QStringLiteral("%1/ventolith-%2").arg(folder).arg(::getuid());
+  if (!bus) return address;
+  const QByteArray digest =
+      QCryptographicHash::hash(QByteArray::fromStdString(*bus), QCryptographicHash::Sha256);
+  return address + u'-' + QString::fromLatin1(digest.toHex().first(16));
 }
 
 SingleInstance::SingleInstance(QString address) : address_(std::move(address)) {

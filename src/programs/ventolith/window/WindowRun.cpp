@@ -12,6 +12,7 @@
 #include "ui/DashboardWindow.h"
 #include "ui/MenuBarExtra.h"
 #include "ui/ModelWatch.h"
+#include "ui/WindowAccessibility.h"
 #include "ui/kit/FollowsPortal.h"
 #include "ui/kit/FollowsQt.h"
 #include "ui/kit/Theme.h"
@@ -20,6 +21,7 @@
 #include <QApplication>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -29,8 +31,7 @@ namespace ventolith::programs {
 namespace {
 
 QString resourceFolder() {
-  return QString::fromStdString(
-      platform::InstalledBundle::propertyListBesideProgram().parent_path().string());
+  return QString::fromStdString(platform::InstalledBundle::resourceFolder().string());
 }
 
 /// What is seen, and the application below it. Its members go in no order: the process ends with them.
@@ -64,6 +65,7 @@ public:
     extra_->show();
     application_.lifecycle().join(application_.model());
     showWindow();
+    endWithDisplay();
     QCoreApplication::exec();
     end();
   }
@@ -77,7 +79,26 @@ private:
     if (isFirstLaunch || !extra_->isInTray()) window_->open();
   }
 
+  /// When the display goes, Qt ends the process by itself, from within its loop.
+  void endWithDisplay() {
+    running_ = this;
+    std::atexit([] {
+      if (running_ != nullptr) running_->endWithoutDisplay();
+    });
+  }
+
+  /// The fans go back all the same. Whatever would speak with the display is left as it stands.
+  [[noreturn]] void endWithoutDisplay() {
+    watch_.reset();
+    application_.terminate();
+    context_.runOutAlone(lastWords);
+    static_cast<void>(engine_.end(longestEngineEnd));
+    std::fflush(nullptr);
+    std::_Exit(EXIT_FAILURE);
+  }
+
   [[noreturn]] void end() {
+    running_ = nullptr;
     extra_.reset();
     window_.reset();
     watch_.reset();
@@ -85,6 +106,8 @@ private:
     context_.runOut(lastWords);
     endProcess(engine_.end(longestEngineEnd));
   }
+
+  static inline Window* running_ = nullptr; // From the first turn of Qt's loop to its last.
 
   QtContext context_;
   platform::SystemClock clock_{waitInQt()};
@@ -115,11 +138,12 @@ void runWindow(int argumentCount, char** arguments, const Environment& environme
   requireDisplay(environment);
   std::signal(SIGPIPE, SIG_IGN); // A reader that went away is a write that fails, and no sudden end.
   ProcessSignals signals;
+  ui::installWindowAccessibility();
   QApplication qt(argumentCount, arguments);
   QApplication::setApplicationName(QStringLiteral("Ventolith"));
   QApplication::setQuitOnLastWindowClosed(false);
   ui::applyRequestedFont();
-  SingleInstance instance;
+  SingleInstance instance(instanceAddress(environment("VENTOLITH_BUS")));
   if (!instance.claim()) std::exit(EXIT_SUCCESS);
   Window window(environment);
   window.run(signals, instance); // Takes nothing down in which work that was given up may still wait.

@@ -159,8 +159,7 @@ AdaptiveGrid* presetGrid(const Theme& theme) {
 
 QVBoxLayout* screen(QWidget& ground) {
   auto* column = new QVBoxLayout(&ground);
-  column->setContentsMargins(metrics::screenSides, metrics::screenTop, metrics::screenSides,
-                             metrics::screenBottom);
+  column->setContentsMargins(detailContentInsets());
   column->setSpacing(metrics::betweenCards);
   return column;
 }

@@ -1,4 +1,4 @@
-#include "platform/linux/SystemClock.h"
+#include "platform/system/SystemClock.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>

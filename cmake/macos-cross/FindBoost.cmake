@@ -1,0 +1,1 @@
+host_package(Boost Boost::headers)

@@ -1,0 +1,1 @@
+host_package(CLI11 CLI11::CLI11)

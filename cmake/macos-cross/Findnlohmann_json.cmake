@@ -1,0 +1,1 @@
+host_package(nlohmann_json nlohmann_json::nlohmann_json)

@@ -1,0 +1,18 @@
+#include "platform/macos/CFText.h"
+
+#include <cstring>
+
+namespace ventolith::platform {
+
+std::string textOf(CFTypeRef object) {
+  if (object == nullptr || ::CFGetTypeID(object) != ::CFStringGetTypeID()) return {};
+  const auto* const string = static_cast<CFStringRef>(object);
+  const CFIndex longest =
+      ::CFStringGetMaximumSizeForEncoding(::CFStringGetLength(string), kCFStringEncodingUTF8) + 1; // The end.
+  std::string text(static_cast<std::size_t>(longest), '\0');
+  if (!::CFStringGetCString(string, text.data(), longest, kCFStringEncodingUTF8)) return {};
+  text.resize(std::strlen(text.c_str()));
+  return text;
+}
+
+} // namespace ventolith::platform

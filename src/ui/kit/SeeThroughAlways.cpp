@@ -1,0 +1,9 @@
+#include "ui/kit/SeeThrough.h"
+
+namespace ventolith::ui {
+
+bool screenShowsThroughWindows() {
+  return true;
+}
+
+} // namespace ventolith::ui

@@ -1,0 +1,8 @@
+// The messages of power management, in IOKit's numbers.
+#pragma once
+
+#define kIOMessageCanSystemSleep 0xE0000270U
+#define kIOMessageSystemWillSleep 0xE0000280U
+#define kIOMessageSystemWillNotSleep 0xE0000290U
+#define kIOMessageSystemHasPoweredOn 0xE0000300U
+#define kIOMessageSystemWillPowerOn 0xE0000320U
