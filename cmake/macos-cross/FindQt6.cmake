@@ -29,6 +29,13 @@ foreach(component IN LISTS Qt6_FIND_COMPONENTS)
   endif()
 endforeach()
 
+# What the stubs lack: names that hold the name of a std::string, which is another one in each standard library,
+# and what Qt has on a Mac alone.
+target_link_options(Qt6::Core INTERFACE
+  "-Wl,-U,__ZNK7QString10toNSStringEv"
+  "-Wl,-U,__ZNK10QByteArray11toStdStringEv"
+  "-Wl,-U,__ZN10QByteArray13fromStdStringERKNSt3__112basic_stringIcNS0_11char_traitsIcEENS0_9allocatorIcEEEE")
+
 # CMake's own handling of Qt's meta-objects asks for these.
 string(REPLACE "." ";" qtVersion "${Qt6_VERSION}")
 list(GET qtVersion 0 Qt6Core_VERSION_MAJOR)
@@ -39,13 +46,18 @@ if(NOT TARGET Qt6::moc)
   set_property(TARGET Qt6::moc PROPERTY IMPORTED_LOCATION "${qtTools}/moc")
 endif()
 
-# qt_add_resources(TARGET NAME PREFIX PREFIX FILES FILE...), as Qt has it.
+# qt_add_resources(TARGET NAME PREFIX PREFIX [BASE FOLDER] FILES FILE...), as Qt has it.
 function(qt_add_resources target name)
-  cmake_parse_arguments(ARG "" "PREFIX" "FILES" ${ARGN})
+  cmake_parse_arguments(ARG "" "PREFIX;BASE" "FILES" ${ARGN})
+  if(NOT ARG_BASE)
+    set(ARG_BASE "${CMAKE_CURRENT_SOURCE_DIR}")
+  endif()
   set(list "${CMAKE_CURRENT_BINARY_DIR}/${name}.qrc")
   set(text "<RCC><qresource prefix=\"${ARG_PREFIX}\">\n")
   foreach(file IN LISTS ARG_FILES)
-    string(APPEND text "<file alias=\"${file}\">${CMAKE_CURRENT_SOURCE_DIR}/${file}</file>\n")
+    get_filename_component(path "${file}" ABSOLUTE)
+    file(RELATIVE_PATH alias "${ARG_BASE}" "${path}")
+    string(APPEND text "<file alias=\"${alias}\">${path}</file>\n")
   endforeach()
   file(WRITE "${list}" "${text}</qresource></RCC>\n")
   set(source "${CMAKE_CURRENT_BINARY_DIR}/qrc_${name}.cpp")

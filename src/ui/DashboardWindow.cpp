@@ -1,6 +1,7 @@
 #include "ui/DashboardWindow.h"
 
 #include "ui/kit/Metrics.h"
+#include "ui/kit/Presence.h"
 
 #include <QCloseEvent>
 #include <QScreen>
@@ -33,6 +34,7 @@ DashboardWindow::~DashboardWindow() = default;
 void DashboardWindow::open() {
   if (root_ == nullptr) fill();
   setWindowState(windowState() & ~Qt::WindowMinimized);
+  presentApplication();
   show();
   raise();
   activateWindow();
@@ -54,6 +56,7 @@ void DashboardWindow::closeEvent(QCloseEvent* event) {
     root_->deleteLater(); // It may be one of its own that closes the window.
     root_ = nullptr;
   }
+  withdrawApplication();
   Q_EMIT closed();
 }
 

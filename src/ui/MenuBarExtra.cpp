@@ -10,6 +10,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <utility>
 
 namespace ventolith::ui {
 
@@ -27,19 +28,15 @@ int roomBeside(const QRect& anchor) {
 /// A press on the label closes an open panel before the label hears of it: it is not to open it again.
 constexpr auto samePress = std::chrono::milliseconds(200);
 
-LabelShape shapeOfArea() {
-  return QGuiApplication::platformName() == QLatin1String("cocoa") ? LabelShape::row : LabelShape::square;
-}
-
 } // namespace
 
 MenuBarExtra::MenuBarExtra(const ViewContext& context, QObject* parent)
-    : QObject(parent), context_(context), label_(context, shapeOfArea()) {
+    : MenuBarExtra(context, makeStatusItem(), parent) {}
+
+MenuBarExtra::MenuBarExtra(const ViewContext& context, std::unique_ptr<StatusItem> item, QObject* parent)
+    : QObject(parent), context_(context), label_(context), item_(std::move(item)) {
   connect(&label_, &MenuBarLabel::changed, this, &MenuBarExtra::presentLabel);
-  connect(&tray_, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-    const bool isPress = reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context;
-    if (isPress) toggle();
-  });
+  connect(item_.get(), &StatusItem::pressed, this, &MenuBarExtra::toggle);
   connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
     if (state != Qt::ApplicationActive) close();
   });
@@ -51,16 +48,17 @@ MenuBarExtra::~MenuBarExtra() = default;
 void MenuBarExtra::presentLabel() {
   const QString name = applicationName(context_.bundle);
   const QString text = label_.text();
-  tray_.setIcon(label_.picture());
-  tray_.setToolTip(text.isEmpty() ? name : tr("%1: %2").arg(name, text));
+  item_->setLabel({.text = text,
+                   .picture = label_.picture(),
+                   .meaning = text.isEmpty() ? name : tr("%1: %2").arg(name, text)});
 }
 
 void MenuBarExtra::show() {
-  tray_.show();
+  item_->show();
 }
 
 bool MenuBarExtra::isInTray() const {
-  return tray_.isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
+  return item_->isShown();
 }
 
 bool MenuBarExtra::isOpen() const {
@@ -99,7 +97,7 @@ void MenuBarExtra::close() {
 
 /// Many desktops do not tell where they show the label: the pointer that pressed it is there, or was last.
 QRect MenuBarExtra::anchor() const {
-  const QRect shown = tray_.geometry();
+  const QRect shown = item_->place();
   return shown.isValid() ? shown : QRect(QCursor::pos(), QSize(1, 1));
 }
 

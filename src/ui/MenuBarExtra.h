@@ -3,8 +3,7 @@
 
 #include "runtime/Clock.h"
 #include "ui/MenuBarLabel.h"
-
-#include <QSystemTrayIcon>
+#include "ui/StatusItem.h"
 
 #include <memory>
 #include <optional>
@@ -21,6 +20,8 @@ class MenuBarExtra final : public QObject {
 
 public:
   explicit MenuBarExtra(const ViewContext& context, QObject* parent = nullptr);
+  /// In another place than this system's.
+  MenuBarExtra(const ViewContext& context, std::unique_ptr<StatusItem> item, QObject* parent = nullptr);
   ~MenuBarExtra() override;
 
   /// Where the desktop has no status area yet, the label appears as soon as there is one.
@@ -31,7 +32,6 @@ public:
   /// A press on the label: opens the panel, or closes it.
   void toggle();
   [[nodiscard]] bool isOpen() const;
-  [[nodiscard]] QSystemTrayIcon& tray() { return tray_; }
 
 private:
   void presentLabel();
@@ -42,7 +42,7 @@ private:
 
   const ViewContext& context_;
   MenuBarLabel label_;
-  QSystemTrayIcon tray_;
+  std::unique_ptr<StatusItem> item_;
   std::unique_ptr<Popover> popover_;
   MenuBarView* panel_ = nullptr; // The popover's.
   std::optional<runtime::Instant> closed_;

@@ -52,31 +52,15 @@ QPainterPath placed(const QPainter& painter, const QPainterPath& letters, const 
   return letters.translated(rect.center().x() - letters.boundingRect().width() / 2, onPixel);
 }
 
-constexpr double plateRadius = 0.2, platePadding = 0.07, lineGap = 0.09;               // Of the side.
-constexpr double rowIcon = 0.80, rowText = 0.48, rowIconGap = 0.30, rowTextGap = 0.28; // Of the height.
-
-QPainterPath rowLetters(const QString& text, double height) {
-  QFont font = fontOf(TextRole::button);
-  font.setPixelSize(static_cast<int>(outline));
-  const QFontMetricsF metrics(font);
-  const double scale = height * rowText / metrics.capHeight();
-  QPainterPath path;
-  path.addText(0, 0, font, text);
-  path = QTransform::fromScale(scale, scale).map(path);
-  path.translate(-path.boundingRect().left(), 0);
-  return path;
-}
+constexpr double plateRadius = 0.2, platePadding = 0.07, lineGap = 0.09; // Of the side.
 
 class LabelEngine final : public QIconEngine {
 public:
-  LabelEngine(const Theme& theme, LabelShape shape, MenuBarLabelContent content, LabelInk ink)
-      : theme_(theme), shape_(shape), content_(std::move(content)), ink_(ink) {}
+  LabelEngine(const Theme& theme, MenuBarLabelContent content, LabelInk ink)
+      : theme_(theme), content_(std::move(content)), ink_(ink) {}
 
   void paint(QPainter* painter, const QRect& rect, QIcon::Mode, QIcon::State) override {
-    if (shape_ == LabelShape::square)
-      paintSquareLabel(*painter, rect, content_, ink_, theme_.icons());
-    else
-      paintRowLabel(*painter, rect, content_, Qt::black, theme_.icons());
+    paintLabel(*painter, rect, content_, ink_, theme_.icons());
   }
 
   QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
@@ -88,33 +72,27 @@ public:
   }
 
   QSize actualSize(const QSize& size, QIcon::Mode, QIcon::State) override {
-    return sizeOf(std::min(size.width(), size.height()));
+    const int side = std::min(size.width(), size.height());
+    return {side, side};
   }
 
-  /// What areas show, at once and twice the scale. Each of a tray's travels over the bus at every change.
+  /// What trays show, at once and twice the scale. Each travels over the bus at every change.
   QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
-    if (shape_ == LabelShape::row) return {sizeOf(18), sizeOf(36)};
-    return {sizeOf(22), sizeOf(24), sizeOf(32), sizeOf(48)};
+    return {{22, 22}, {24, 24}, {32, 32}, {48, 48}};
   }
 
   [[nodiscard]] QIconEngine* clone() const override { return new LabelEngine(*this); }
 
 private:
-  [[nodiscard]] QSize sizeOf(int height) const {
-    if (shape_ == LabelShape::square) return {height, height};
-    return {static_cast<int>(std::ceil(rowLabelWidth(height, content_))), height};
-  }
-
   const Theme& theme_;
-  LabelShape shape_;
   MenuBarLabelContent content_;
   LabelInk ink_;
 };
 
 } // namespace
 
-void paintSquareLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelContent& content,
-                      const LabelInk& ink, const Icons& icons) {
+void paintLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelContent& content,
+                const LabelInk& ink, const Icons& icons) {
   const double side = std::min(rect.width(), rect.height());
   QRectF plate(0, 0, side, side);
   plate.moveCenter(rect.center());
@@ -141,39 +119,7 @@ void paintSquareLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelC
   paintLetters(painter, placed(painter, lower, room, top + upperHeight + gap), ink.ink);
 }
 
-double rowLabelWidth(double height, const MenuBarLabelContent& content) {
-  double width = height * rowIcon;
-  double gap = rowIconGap;
-  for (const QString& text : {content.temperature, content.speed}) {
-    if (text.isEmpty()) continue;
-    width += height * std::exchange(gap, rowTextGap) + rowLetters(text, height).boundingRect().width();
-  }
-  return width;
-}
-
-void paintRowLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelContent& content,
-                   const QColor& ink, const Icons& icons) {
-  const double height = rect.height();
-  const double icon = height * rowIcon;
-  icons.paint(painter, QRectF(rect.left(), rect.top() + (height - icon) / 2, icon, icon), Symbol::fan, ink);
-  painter.save();
-  painter.setRenderHint(QPainter::Antialiasing);
-  const double scale = deviceScale(painter);
-  const double baseline = std::round((rect.top() + height * (1 + rowText) / 2) * scale) / scale;
-  double left = rect.left() + icon;
-  double gap = rowIconGap;
-  for (const QString& text : {content.temperature, content.speed}) {
-    if (text.isEmpty()) continue;
-    left += height * std::exchange(gap, rowTextGap);
-    const QPainterPath letters = rowLetters(text, height);
-    painter.fillPath(letters.translated(left, baseline), ink);
-    left += letters.boundingRect().width();
-  }
-  painter.restore();
-}
-
-MenuBarLabel::MenuBarLabel(const ViewContext& context, LabelShape shape, QObject* parent)
-    : QObject(parent), context_(context), shape_(shape) {
+MenuBarLabel::MenuBarLabel(const ViewContext& context, QObject* parent) : QObject(parent), context_(context) {
   connect(&context.watch, &ModelWatch::changed, this, [this](ModelWatch::Fields fields) {
     if (fields.contains(app::AppModelField::snapshot)) take();
   });
@@ -199,9 +145,7 @@ void MenuBarLabel::takeInk() {
 }
 
 QIcon MenuBarLabel::picture() const {
-  QIcon icon(new LabelEngine(context_.theme, shape_, content_, ink_)); // The icon owns its engine.
-  icon.setIsMask(shape_ == LabelShape::row);
-  return icon;
+  return QIcon(new LabelEngine(context_.theme, content_, ink_)); // The icon owns its engine.
 }
 
 QString MenuBarLabel::text() const {

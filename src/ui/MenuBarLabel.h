@@ -14,12 +14,6 @@ QT_END_NAMESPACE
 
 namespace ventolith::ui {
 
-/// What the area has room for.
-enum class LabelShape {
-  row,    ///< A menu bar: icon and texts beside each other. The system tints it, so it is a mask.
-  square, ///< A tray: the texts over each other, as large as they get, in the theme's colours.
-};
-
 /// A tray does not tell its ground: the label brings a plate of its own, which is hardly seen where tray and
 /// theme agree, and on which it can be read where they do not.
 struct LabelInk {
@@ -31,24 +25,21 @@ struct LabelInk {
 
 /// Fills the square of `rect`, as a tray shows it: two lines of text if there are two; one line with the icon
 /// above; or the icon alone.
-void paintSquareLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelContent& content,
-                      const LabelInk& ink, const Icons& icons);
-
-/// The width of a row of this height.
-[[nodiscard]] double rowLabelWidth(double height, const MenuBarLabelContent& content);
-void paintRowLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelContent& content,
-                   const QColor& ink, const Icons& icons);
+void paintLabel(QPainter& painter, const QRectF& rect, const MenuBarLabelContent& content,
+                const LabelInk& ink, const Icons& icons);
 
 /// Follows the model for as long as it lives, since it is always seen.
 class MenuBarLabel final : public QObject {
   Q_OBJECT
 
 public:
-  MenuBarLabel(const ViewContext& context, LabelShape shape, QObject* parent = nullptr);
+  explicit MenuBarLabel(const ViewContext& context, QObject* parent = nullptr);
 
-  /// Painted at whatever size and scale it is asked for. The theme outlives it.
+  /// For a tray, which shows no text: painted at whatever size and scale it is asked for. The theme outlives
+  /// it.
   [[nodiscard]] QIcon picture() const;
-  /// "82° 5921rpm": for a tool tip, and for who does not see the picture. Empty with the icon alone.
+  /// "82° 5921rpm": for a menu bar, a tool tip, and for who does not see the picture. Empty with the icon
+  /// alone.
   [[nodiscard]] QString text() const;
 
 Q_SIGNALS:
@@ -60,7 +51,6 @@ private:
   void takeInk();
 
   const ViewContext& context_;
-  LabelShape shape_;
   MenuBarLabelContent content_;
   LabelInk ink_;
 };

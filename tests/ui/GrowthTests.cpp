@@ -2,6 +2,7 @@
 // than after the first hundred.
 #include "Finding.h"
 #include "LiveMemory.h"
+#include "StatusItemDouble.h"
 #include "ViewFixture.h"
 #include "ui/DashboardWindow.h"
 #include "ui/MenuBarExtra.h"
@@ -14,6 +15,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace ventolith::ui {
 namespace {
@@ -84,7 +86,9 @@ protected:
   }
   void showExtra() {
     beginWithHelper();
-    extra = std::make_unique<MenuBarExtra>(*context);
+    auto made = std::make_unique<StatusItemDouble>();
+    item = made.get();
+    extra = std::make_unique<MenuBarExtra>(*context, std::move(made));
     extra->show();
   }
   void press() {
@@ -94,6 +98,7 @@ protected:
 
   std::unique_ptr<DashboardWindow> window;
   std::unique_ptr<MenuBarExtra> extra;
+  StatusItemDouble* item = nullptr; // The extra's.
 
 private:
   /// What the doubles have noted down, and the room that they have for it.
@@ -182,7 +187,7 @@ TEST_F(GrowthTest, TenThousandReadingsInTheStatusAreaLeaveNothing) {
   showExtra();
   const auto takePicture = [&](int number) {
     readNumber(number);
-    EXPECT_FALSE(extra->tray().icon().pixmap(22).isNull()); // As a tray asks for it.
+    EXPECT_FALSE(item->label.picture.pixmap(22).isNull()); // As a tray asks for it.
   };
   EXPECT_LT(growthOver(polls, takePicture), allowance(polls));
 }

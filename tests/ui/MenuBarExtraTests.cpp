@@ -1,6 +1,7 @@
 #include "ui/MenuBarExtra.h"
 
 #include "Finding.h"
+#include "StatusItemDouble.h"
 #include "ViewFixture.h"
 #include "ui/MenuBarView.h"
 #include "ui/kit/Popover.h"
@@ -10,6 +11,7 @@
 #include <QScreen>
 
 #include <memory>
+#include <utility>
 
 namespace ventolith::ui {
 namespace {
@@ -20,7 +22,10 @@ protected:
 
   void show() {
     begin();
-    extra = std::make_unique<MenuBarExtra>(*context);
+    auto made = std::make_unique<StatusItemDouble>();
+    item = made.get();
+    item->at = place;
+    extra = std::make_unique<MenuBarExtra>(*context, std::move(made));
     extra->show();
     turn();
   }
@@ -42,7 +47,9 @@ protected:
   }
   static MenuBarView& panel() { return *popover()->findChild<MenuBarView*>(); }
 
+  QRect place; // Where the desktop shows the label, if it tells.
   std::unique_ptr<MenuBarExtra> extra;
+  StatusItemDouble* item = nullptr; // The extra's.
 };
 
 TEST_F(MenuBarExtraTest, HasNoPanelBeforeItIsPressed) {
@@ -173,36 +180,53 @@ TEST_F(MenuBarExtraTest, AClosedPanelTakesNothingUp) {
   EXPECT_TRUE(shows(panel(), "4321 rpm"));
 }
 
-TEST_F(MenuBarExtraTest, ItsToolTipSaysWhatTheLabelReads) {
+TEST_F(MenuBarExtraTest, TheLabelIsShownAsTextAsPictureAndWithItsMeaning) {
   readings.next = app::snapshot({{.id = 0, .name = "Fan", .currentRPM = 5921}}, {support::sensor("A", 82)});
   show();
-  const auto& tray = extra->tray();
-  EXPECT_EQ(tray.toolTip().toStdString(), "Ventolith: 82° 5921rpm");
-  EXPECT_FALSE(tray.icon().isNull());
+  EXPECT_EQ(item->label.text.toStdString(), "82° 5921rpm");
+  EXPECT_EQ(item->label.meaning.toStdString(), "Ventolith: 82° 5921rpm");
+  EXPECT_FALSE(item->label.picture.isNull());
 }
 
-TEST_F(MenuBarExtraTest, TheLabelGetsANewPictureOnlyWhenItReadsDifferently) {
+TEST_F(MenuBarExtraTest, AnIconAloneMeansTheApplication) {
+  readings.next = app::snapshot({});
+  show();
+  EXPECT_EQ(item->label.text.toStdString(), "");
+  EXPECT_EQ(item->label.meaning.toStdString(), "Ventolith");
+}
+
+TEST_F(MenuBarExtraTest, TheLabelIsGivenAnewOnlyWhenItReadsDifferently) {
   readings.next = app::snapshot({}, {support::sensor("A", 82.1)});
   show();
-  const qint64 before = extra->tray().icon().cacheKey();
+  const int before = item->labelsGiven;
   read(app::snapshot({}, {support::sensor("A", 82.2)}));
-  EXPECT_EQ(extra->tray().icon().cacheKey(), before);
+  EXPECT_EQ(item->labelsGiven, before);
   read(app::snapshot({}, {support::sensor("A", 83.2)}));
-  EXPECT_NE(extra->tray().icon().cacheKey(), before);
+  EXPECT_EQ(item->labelsGiven, before + 1);
 }
 
-TEST_F(MenuBarExtraTest, EitherButtonOfThePointerOpensThePanel) {
+TEST_F(MenuBarExtraTest, APressOnTheLabelOpensThePanel) {
   show();
-  for (const auto reason : {QSystemTrayIcon::Trigger, QSystemTrayIcon::Context}) {
-    Q_EMIT extra->tray().activated(reason);
-    EXPECT_TRUE(extra->isOpen());
-    extra->toggle();
-    wait();
-  }
+  Q_EMIT item->pressed();
+  EXPECT_TRUE(extra->isOpen());
+  Q_EMIT item->pressed();
+  EXPECT_FALSE(extra->isOpen());
+}
+
+TEST_F(MenuBarExtraTest, ThePanelDropsFromTheLabelWhereTheDesktopTellsItsPlace) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  place = QRect(screen.center().x(), screen.top(), 100, 22);
+  showOpen();
+  const QRect shown = popover()->panel().translated(popover()->pos());
+  EXPECT_GT(shown.top(), place.bottom());
+  EXPECT_LT(shown.top(), place.bottom() + 10);
+  EXPECT_NEAR(shown.center().x(), place.center().x(), 1);
 }
 
 TEST_F(MenuBarExtraTest, WithoutAStatusAreaItSaysSo) {
-  show(); // This platform has none.
+  show();
+  EXPECT_TRUE(extra->isInTray());
+  item->isShowing = false;
   EXPECT_FALSE(extra->isInTray());
 }
 

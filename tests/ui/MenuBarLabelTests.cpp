@@ -19,9 +19,9 @@ class MenuBarLabelTest : public ViewTest {
 protected:
   ~MenuBarLabelTest() override { label = nullptr; }
 
-  void show(LabelShape shape = LabelShape::square) {
+  void show() {
     begin();
-    label = std::make_unique<MenuBarLabel>(*context, shape);
+    label = std::make_unique<MenuBarLabel>(*context);
   }
   [[nodiscard]] QImage picture(int side, double scale = 1) const {
     return label->picture().pixmap(QSize(side, side), scale).toImage();
@@ -134,24 +134,6 @@ TEST_F(MenuBarLabelTest, EverySpeedStaysWithinThePicture) {
       for (const auto& [x, y] : {std::pair(0, edge), {43, edge}, {edge, 0}, {edge, 43}})
         EXPECT_FALSE(isInk(image, x, y)) << rpm << " at " << x << ", " << y;
   }
-}
-
-TEST_F(MenuBarLabelTest, InAMenuBarItIsARowAndAMask) {
-  readings.next = machine(82, 5921);
-  show(LabelShape::row);
-  EXPECT_TRUE(label->picture().isMask());
-  const QSize row = label->picture().actualSize(QSize(18, 18));
-  EXPECT_EQ(row.height(), 18);
-  EXPECT_GT(row.width(), 90);
-}
-
-TEST_F(MenuBarLabelTest, ARowIsAsWideAsWhatItSays) {
-  const MenuBarLabelContent icon;
-  const MenuBarLabelContent temperature{.temperature = QString::fromUtf8("62°")};
-  const MenuBarLabelContent both{.temperature = QString::fromUtf8("62°"), .speed = QStringLiteral("5921rpm")};
-  EXPECT_LT(rowLabelWidth(18, icon), 18);
-  EXPECT_GT(rowLabelWidth(18, temperature), rowLabelWidth(18, icon) + 15);
-  EXPECT_GT(rowLabelWidth(18, both), rowLabelWidth(18, temperature) + 40);
 }
 
 } // namespace

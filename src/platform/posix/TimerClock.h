@@ -36,12 +36,13 @@ public:
 /// time it is, on the timer's own time line.
 class TimerClock : public runtime::Clock {
 public:
+  ~TimerClock() override;
+
   [[nodiscard]] runtime::WallTime wallTime() const override { return std::chrono::system_clock::now(); }
   runtime::Async<void> sleepUntil(runtime::Instant deadline, runtime::StopToken stop) override;
 
 protected:
   TimerClock(std::unique_ptr<KernelTimer> timer, const ReadableWaitFactory& makeWait);
-  ~TimerClock() override;
 
 private:
   void arm();

@@ -1,5 +1,7 @@
 #include "ui/kit/FollowsPortal.h"
 
+#include "ui/kit/FollowsDesktop.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -90,6 +92,10 @@ void FollowsPortal::settingChanged(const QString& space, const QString& key, con
   if (space != appearance && space != desktop) return;
   settings_[space].insert(key, value.variant());
   theme_.setDesktopLook(lookOf(settings_));
+}
+
+std::unique_ptr<QObject> followDesktop(Theme& theme) {
+  return std::make_unique<FollowsPortal>(theme);
 }
 
 } // namespace ventolith::ui

@@ -136,8 +136,9 @@ TEST_F(HIDEventSystemTest, ServiceWithoutAReadableLabelIsLeftOut) {
 
 TEST_F(HIDEventSystemTest, LabelsComeWhole) {
   const std::string longLabel(3000, 'x');
-  setServices({{"Größe \u20AC \U0001F321", silent}, {longLabel, silent}});
-  EXPECT_EQ(discoveredLabels(), (Log{"Größe \u20AC \U0001F321", longLabel}));
+  const std::string widestLabel = "\u20AC\u20AC"; // Three bytes each, and not one to spare.
+  setServices({{"Größe \U0001F321", silent}, {longLabel, silent}, {widestLabel, silent}});
+  EXPECT_EQ(discoveredLabels(), (Log{"Größe \U0001F321", longLabel, widestLabel}));
 }
 
 TEST_F(HIDEventSystemTest, EachDiscoveryHasAClientOfItsOwn) {

@@ -49,6 +49,11 @@ struct HelperIntakeTest : testing::Test {
   using Answer = std::optional<HelperReply>;
 
   HelperIntakeTest() { intake->serve(service); }
+  ~HelperIntakeTest() override {
+    if (intake) intake->stop(); // Answers what a test has left over.
+    service.isLet.happen();
+    settle();
+  }
 
   void command(const HelperIntake::Caller& caller, std::int64_t rpm) {
     caller.take(messages::SetManualRPM{.fan = 0, .rpm = rpm},
@@ -212,7 +217,7 @@ TEST_F(HelperIntakeTest, StoppingRefusesWhatIsUnderWayAndClosesTheConnections) {
   service.isHeld = true;
   command(*caller, 1000);
   settle();
-  intake->stop();
+  EXPECT_EQ(intake->stop(), 2U);
   EXPECT_EQ(answers[1000], Answers{std::nullopt});
   EXPECT_EQ(closed, 2);
   service.isLet.happen();
@@ -256,7 +261,7 @@ TEST_F(HelperIntakeTest, ClosesNoConnectionThatIsGone) {
   const auto caller = admit();
   caller->gone();
   settle();
-  intake->stop();
+  EXPECT_EQ(intake->stop(), 0U);
   EXPECT_EQ(closed, 0);
 }
 

@@ -67,6 +67,8 @@ TEST_F(SystemPowerEventsTest, TellsOfTheWakeUpAndAnswersNothing) {
   root.tell(kIOMessageSystemWillSleep, 7);
   settle();
   root.tell(kIOMessageSystemWillPowerOn, 8);
+  settle();
+  EXPECT_EQ(root.log, (Log{"will sleep", "allowed 7"}));
   root.tell(kIOMessageSystemHasPoweredOn, 9);
   settle();
   EXPECT_EQ(root.log, (Log{"will sleep", "allowed 7", "did wake"}));

@@ -6,6 +6,7 @@
 #include <boost/asio/io_context.hpp>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <system_error>
 
@@ -111,13 +112,27 @@ TEST_F(MacSystemClockTest, TimerOfNobodyIsTakenOut) {
   EXPECT_EQ(kernel_.changes[1].filter, kernel_.changes[0].filter);
 }
 
+/// Makes waits as Asio does, and tells of which descriptor.
+ReadableWaitFactory waitSeenIn(const boost::asio::io_context::executor_type& executor, int& descriptor) {
+  return [&descriptor, wait = waitInAsio(executor)](int waited) {
+    descriptor = waited;
+    return wait(waited);
+  };
+}
+
 TEST_F(MacSystemClockTest, DescriptorIsNotInherited) {
   int descriptor = -1;
-  const SystemClock clock([&](int waited) {
-    descriptor = waited;
-    return waitInAsio(context_.get_executor())(waited);
-  });
+  const SystemClock clock(waitSeenIn(context_.get_executor(), descriptor));
   EXPECT_EQ(::fcntl(descriptor, F_GETFD), FD_CLOEXEC);
+}
+
+TEST_F(MacSystemClockTest, TimerThatRanOutCannotBeReadAnyMore) {
+  int descriptor = -1;
+  SystemClock clock(waitSeenIn(context_.get_executor(), descriptor));
+  runtime::start(context_.get_executor(), "test", clock.sleep(100us, {}));
+  context_.run();
+  pollfd readable{.fd = descriptor, .events = POLLIN, .revents = 0};
+  EXPECT_EQ(::poll(&readable, 1, 0), 0);
 }
 
 TEST(MacSystemClock, IsNotMadeWithoutAQueue) {

@@ -53,8 +53,8 @@ private:
   std::vector<QIcon> labels_;
 };
 
-QWidget& trays(Scene& scene, LabelShape shape) {
-  const MenuBarLabel label(scene.given(), shape);
+QWidget& trays(Scene& scene) {
+  const MenuBarLabel label(scene.given());
   std::vector<QIcon> labels{label.picture()};
   return scene.keep(std::make_unique<Trays>(std::move(labels)));
 }
@@ -107,14 +107,9 @@ std::vector<Page> menuBarPages() {
   for (const Situation situation : allSituations)
     pages.push_back(
         {.name = QStringLiteral("panel-") + nameOf(situation), .situation = situation, .make = panel});
-  for (const Situation situation : {Situation::normal, Situation::empty}) {
-    pages.push_back({.name = QStringLiteral("tray-") + nameOf(situation),
-                     .situation = situation,
-                     .make = [](Scene& scene) -> QWidget& { return trays(scene, LabelShape::square); }});
-    pages.push_back({.name = QStringLiteral("bar-") + nameOf(situation),
-                     .situation = situation,
-                     .make = [](Scene& scene) -> QWidget& { return trays(scene, LabelShape::row); }});
-  }
+  for (const Situation situation : {Situation::normal, Situation::empty})
+    pages.push_back(
+        {.name = QStringLiteral("tray-") + nameOf(situation), .situation = situation, .make = trays});
   return pages;
 }
 

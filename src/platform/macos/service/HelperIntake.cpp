@@ -91,15 +91,17 @@ void HelperIntake::watch(const HelperCaller& caller) {
   if (connections_.contains(caller)) watched_.insert(caller);
 }
 
-void HelperIntake::stop() {
+std::size_t HelperIntake::stop() {
   doorway_->shut();
   service_ = nullptr;
   watched_.clear();
   unanswered_.clear();
-  for (const auto& [caller, close] : std::exchange(connections_, {})) {
+  const auto connections = std::exchange(connections_, {});
+  for (const auto& [caller, close] : connections) {
     callers_->remove(caller);
     close();
   }
+  return connections.size();
 }
 
 } // namespace ventolith::platform

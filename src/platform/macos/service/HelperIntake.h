@@ -57,8 +57,9 @@ public:
   void watch(const helper::HelperCaller& caller);
   void unwatch(const helper::HelperCaller& caller) { watched_.erase(caller); }
 
-  /// Refuses what is under way, and closes the connections. Nothing is taken from here on.
-  void stop();
+  /// Refuses what is under way, and has the connections closed, whose number it returns. Nothing is taken
+  /// from here on, and this object may go on any thread.
+  std::size_t stop();
 
 private:
   void come(const helper::HelperCaller& caller, uid_t user, std::function<void()> close);

@@ -102,7 +102,7 @@ void SystemPowerEvents::Registration::take(natural_t notice, void* argument) {
   case kIOMessageCanSystemSleep: root_->allow(change); break;
   case kIOMessageSystemWillSleep:
     post([delay = delayOf(root_, change)](SleepNotices& notices) mutable {
-      notices.sleepBegins(std::exchange(delay, nullptr));
+      notices.sleepBegins(std::move(delay));
     });
     break;
   case kIOMessageSystemHasPoweredOn: post([](SleepNotices& notices) { notices.sleepEnded(); }); break;

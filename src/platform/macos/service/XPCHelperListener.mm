@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
@@ -22,8 +23,8 @@ using ventolith::platform::HelperIntake;
                    onlyOwnUser:(BOOL)isForOwnUser NS_DESIGNATED_INITIALIZER;
 - (instancetype)init NS_UNAVAILABLE;
 
-/// Left by each connection that was asked to close, when it has.
-@property(readonly) dispatch_group_t closing;
+/// Signalled once by each connection that was asked to close, when it has.
+@property(readonly) dispatch_semaphore_t closed;
 
 @end
 
@@ -37,7 +38,7 @@ using ventolith::platform::HelperIntake;
   if (!self) return nil;
   _intake = std::move(intake);
   _isForOwnUser = isForOwnUser;
-  _closing = dispatch_group_create();
+  _closed = dispatch_semaphore_create(0);
   return self;
 }
 
@@ -59,14 +60,13 @@ using ventolith::platform::HelperIntake;
 /// Closes the connection once its answers are on their way. XPC keeps it until then.
 - (std::function<void()>)closerOf:(NSXPCConnection*)connection {
   __weak NSXPCConnection* const open = connection;
-  dispatch_group_t const closing = _closing;
-  return [open, closing] {
+  dispatch_semaphore_t const closed = _closed;
+  return [open, closed] {
     NSXPCConnection* const present = open;
-    if (present == nil) return;
-    dispatch_group_enter(closing);
+    if (present == nil) return static_cast<void>(dispatch_semaphore_signal(closed));
     [present scheduleSendBarrierBlock:^{
       [present invalidate];
-      dispatch_group_leave(closing);
+      dispatch_semaphore_signal(closed);
     }];
   };
 }
@@ -118,12 +118,14 @@ void XPCHelperListener::resume(helper::HelperService& service, std::function<voi
 }
 
 void XPCHelperListener::invalidate() {
-  intake_->stop();
+  const std::size_t closing = intake_->stop();
   const auto ear = std::exchange(ear_, nullptr);
   if (!ear) return;
   @autoreleasepool {
     [ear->listener invalidate];
-    dispatch_group_wait(ear->door.closing, dispatch_time(DISPATCH_TIME_NOW, longestClosing));
+    const dispatch_time_t latest = dispatch_time(DISPATCH_TIME_NOW, longestClosing);
+    for (std::size_t connection = 0; connection < closing; ++connection)
+      dispatch_semaphore_wait(ear->door.closed, latest);
   }
 }
 

@@ -1,21 +1,19 @@
 // The signals that ask a process to end, as events of Qt's loop.
 #pragma once
 
-#include "platform/system/Descriptor.h"
-
 #include <QObject>
-#include <QSocketNotifier>
 
 #include <memory>
 
 namespace ventolith::programs {
 
 /// Made before the process has a second thread, which would take the signals for itself: from then on SIGINT,
-/// SIGTERM and SIGHUP end nothing by themselves. One that was ignored from the start stays so.
+/// SIGTERM and SIGHUP end nothing by themselves. One that was ignored from the start stays so. One a process.
 class ProcessSignals : public QObject {
   Q_OBJECT
 
 public:
+  /// Fails with std::system_error.
   ProcessSignals();
   ~ProcessSignals() override;
 
@@ -26,8 +24,8 @@ Q_SIGNALS:
   void asked();
 
 private:
-  platform::Descriptor signals_;
-  std::unique_ptr<QSocketNotifier> notifier_;
+  class Source; // The system's.
+  std::unique_ptr<Source> source_;
 };
 
 } // namespace ventolith::programs

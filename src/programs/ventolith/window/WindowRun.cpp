@@ -5,6 +5,8 @@
 #include "programs/ventolith/Application.h"
 #include "programs/ventolith/EngineThread.h"
 #include "programs/ventolith/LastWords.h"
+#include "programs/ventolith/window/Display.h"
+#include "programs/ventolith/window/OpenedAgain.h"
 #include "programs/ventolith/window/ProcessSignals.h"
 #include "programs/ventolith/window/QtContext.h"
 #include "programs/ventolith/window/QtWait.h"
@@ -13,12 +15,14 @@
 #include "ui/MenuBarExtra.h"
 #include "ui/ModelWatch.h"
 #include "ui/WindowAccessibility.h"
-#include "ui/kit/FollowsPortal.h"
+#include "ui/kit/FollowsDesktop.h"
 #include "ui/kit/FollowsQt.h"
+#include "ui/kit/SystemSymbols.h"
 #include "ui/kit/Theme.h"
 #include "ui/kit/Type.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <csignal>
 #include <cstdio>
@@ -60,6 +64,7 @@ public:
   [[noreturn]] void run(ProcessSignals& signals, SingleInstance& instance) {
     QObject::connect(&signals, &ProcessSignals::asked, qApp, &QCoreApplication::quit);
     QObject::connect(&instance, &SingleInstance::startedAgain, window_.get(), &ui::DashboardWindow::open);
+    auto openedAgain = whenOpenedAgain([this] { window_->open(); });
     signals.listen();
     engine_.start();
     extra_->show();
@@ -67,6 +72,7 @@ public:
     showWindow();
     endWithDisplay();
     QCoreApplication::exec();
+    openedAgain.reset();
     end();
   }
 
@@ -112,9 +118,9 @@ private:
   QtContext context_;
   platform::SystemClock clock_{waitInQt()};
   EngineThread engine_;
-  ui::Theme theme_;
+  ui::Theme theme_{ui::systemSymbols()};
   ui::FollowsQt followsQt_{theme_};
-  ui::FollowsPortal followsPortal_{theme_};
+  std::unique_ptr<QObject> followsDesktop_ = ui::followDesktop(theme_);
   Application application_;
   std::unique_ptr<ui::ModelWatch> watch_;
   ui::ViewContext views_;
@@ -122,11 +128,8 @@ private:
   std::unique_ptr<ui::MenuBarExtra> extra_;
 };
 
-/// Qt would end the process by a signal.
 void requireDisplay(const Environment& environment) {
-  for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-    if (!environment(variable).value_or("").empty()) return;
-  }
+  if (hasDisplay(environment)) return;
   throw std::runtime_error(
       "there is no display for the window; --headless runs without one, --selftest looks "
       "at the machine");
@@ -141,6 +144,8 @@ void runWindow(int argumentCount, char** arguments, const Environment& environme
   ui::installWindowAccessibility();
   QApplication qt(argumentCount, arguments);
   QApplication::setApplicationName(QStringLiteral("Ventolith"));
+  QApplication::setDesktopFileName(QStringLiteral("com.ventolith.app")); // By which a desktop finds its icon.
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/ventolith/ventolith.svg")));
   QApplication::setQuitOnLastWindowClosed(false);
   ui::applyRequestedFont();
   SingleInstance instance(instanceAddress(environment("VENTOLITH_BUS")));

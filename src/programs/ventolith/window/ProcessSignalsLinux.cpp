@@ -1,12 +1,16 @@
 #include "programs/ventolith/window/ProcessSignals.h"
 
+#include "platform/system/Descriptor.h"
 #include "programs/common/Signals.h"
+
+#include <QSocketNotifier>
 
 #include <sys/signalfd.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <optional>
 #include <system_error>
 
 namespace ventolith::programs {
@@ -28,17 +32,28 @@ int takeSignals() {
 
 } // namespace
 
-ProcessSignals::ProcessSignals() : signals_(takeSignals()) {}
+class ProcessSignals::Source {
+public:
+  void listen(ProcessSignals& signals) {
+    notifier_.emplace(signals_.get(), QSocketNotifier::Read);
+    connect(&*notifier_, &QSocketNotifier::activated, &signals, [this, &signals] {
+      signalfd_siginfo signal{};
+      while (::read(signals_.get(), &signal, sizeof signal) == sizeof signal)
+        Q_EMIT signals.asked();
+    });
+  }
+
+private:
+  platform::Descriptor signals_{takeSignals()};
+  std::optional<QSocketNotifier> notifier_;
+};
+
+ProcessSignals::ProcessSignals() : source_(std::make_unique<Source>()) {}
 
 ProcessSignals::~ProcessSignals() = default;
 
 void ProcessSignals::listen() {
-  notifier_ = std::make_unique<QSocketNotifier>(signals_.get(), QSocketNotifier::Read);
-  connect(notifier_.get(), &QSocketNotifier::activated, this, [this] {
-    signalfd_siginfo signal{};
-    while (::read(signals_.get(), &signal, sizeof signal) == sizeof signal)
-      Q_EMIT asked();
-  });
+  source_->listen(*this);
 }
 
 } // namespace ventolith::programs
