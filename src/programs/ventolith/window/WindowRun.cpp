@@ -87,9 +87,9 @@ private:
 
   /// When the display goes, Qt ends the process by itself, from within its loop.
   void endWithDisplay() {
-    running_ = this;
+    running = this;
     std::atexit([] {
-      if (running_ != nullptr) running_->endWithoutDisplay();
+      if (running != nullptr) running->endWithoutDisplay();
     });
   }
 
@@ -104,7 +104,7 @@ private:
   }
 
   [[noreturn]] void end() {
-    running_ = nullptr;
+    running = nullptr;
     extra_.reset();
     window_.reset();
     watch_.reset();
@@ -113,7 +113,7 @@ private:
     endProcess(engine_.end(longestEngineEnd));
   }
 
-  static inline Window* running_ = nullptr; // From the first turn of Qt's loop to its last.
+  static inline Window* running = nullptr; // From the first turn of Qt's loop to its last.
 
   QtContext context_;
   platform::SystemClock clock_{waitInQt()};
