@@ -12,3 +12,4 @@ release_setting(VENTOLITH_UPDATE_FEED_URL "https://updates.ventolith.example/app
 release_setting(VENTOLITH_UPDATE_PUBLIC_KEY "ukUTgejzvdxD5/ozFVMkJbyAr01kt63bD9gSz4dW7Pg=")
 release_setting(VENTOLITH_UPDATE_CHANNEL "stable")
 release_setting(VENTOLITH_SUPPORT_URL "https://www.ventolith.example/support")
+release_setting(VENTOLITH_MAINTAINER "The Ventolith developers <maintainers@ventolith.example>")

@@ -3,8 +3,8 @@
 namespace ventolith::app {
 
 bool Lifecycle::takeFirstLaunch() {
-  if (settings_.hasOpenedOnFirstLaunch()) return false;
-  settings_.setHasOpenedOnFirstLaunch(true);
+  if (settings_->hasOpenedOnFirstLaunch()) return false;
+  settings_->setHasOpenedOnFirstLaunch(true);
   return true;
 }
 

@@ -12,7 +12,7 @@ namespace ventolith::app {
 /// Hears that the application starts and ends. Lives on the main executor.
 class Lifecycle {
 public:
-  explicit Lifecycle(UserSettings settings) : settings_(std::move(settings)) {}
+  explicit Lifecycle(std::unique_ptr<UserSettings> settings) : settings_(std::move(settings)) {}
 
   /// The model's first view is there. Until then an end of the application sends nothing.
   void join(const std::shared_ptr<AppModel>& model) { model_ = model; }
@@ -26,7 +26,7 @@ public:
   void applicationWillTerminate();
 
 private:
-  UserSettings settings_;
+  std::unique_ptr<UserSettings> settings_;
   std::weak_ptr<AppModel> model_;
 };
 

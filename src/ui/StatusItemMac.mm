@@ -76,42 +76,53 @@ QRect inQt(NSRect rect) {
   return QRectF(NSMinX(rect), height - NSMaxY(rect), NSWidth(rect), NSHeight(rect)).toAlignedRect();
 }
 
-/// An item of the menu bar: the fan, and the label as text beside it.
+/// The fan, and room for the label as text beside it.
+void furnish(NSStatusBarButton* button, VentolithPressTarget* target) {
+  button.image = fanImage();
+  // As the bar's own texts, but that the item keeps its width while figures change.
+  button.font = [NSFont monospacedDigitSystemFontOfSize:[NSFont menuBarFontOfSize:0].pointSize
+                                                 weight:NSFontWeightRegular];
+  button.target = target;
+  button.action = @selector(press:);
+  [button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
+}
+
+void present(NSStatusBarButton* button, const StatusItemLabel& label) {
+  button.title = label.text.toNSString();
+  button.imagePosition = label.text.isEmpty() ? NSImageOnly : NSImageLeading;
+  button.toolTip = label.meaning.toNSString();
+  button.accessibilityLabel = label.meaning.toNSString();
+}
+
+/// An item of the menu bar, made when it is to be seen. Neither is it hidden before nor taken out of the bar
+/// at the end: either way the system would forget where the user has moved it.
 class MenuBarItem final : public StatusItem {
 public:
-  MenuBarItem()
-      : target_([[VentolithPressTarget alloc] initWithPressed:[this] { takePress(); }]),
-        item_([NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength]) {
-    item_.visible = NO;
-    NSStatusBarButton* const button = item_.button;
-    button.image = fanImage();
-    // As the bar's own texts, but that the item keeps its width while figures change.
-    button.font = [NSFont monospacedDigitSystemFontOfSize:[NSFont menuBarFontOfSize:0].pointSize
-                                                   weight:NSFontWeightRegular];
-    button.target = target_;
-    button.action = @selector(press:);
-    [button sendActionOn:NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown];
-  }
-  ~MenuBarItem() override {
-    item_.button.target = nil;
-    [NSStatusBar.systemStatusBar removeStatusItem:item_];
-  }
+  MenuBarItem() : target_([[VentolithPressTarget alloc] initWithPressed:[this] { takePress(); }]) {}
+  ~MenuBarItem() override { item_.button.target = nil; }
 
   void setLabel(const StatusItemLabel& label) override {
     @autoreleasepool {
-      NSStatusBarButton* const button = item_.button;
-      button.title = label.text.toNSString();
-      button.imagePosition = label.text.isEmpty() ? NSImageOnly : NSImageLeading;
-      button.toolTip = label.meaning.toNSString();
-      button.accessibilityLabel = label.meaning.toNSString();
+      label_ = label;
+      present(item_.button, label_);
     }
   }
-  void show() override { item_.visible = YES; }
+  void show() override {
+    if (item_ != nil) return;
+    @autoreleasepool {
+      item_ = [NSStatusBar.systemStatusBar statusItemWithLength:NSVariableStatusItemLength];
+      item_.visible = YES; // Whatever the system has kept of an earlier time.
+      furnish(item_.button, target_);
+      present(item_.button, label_);
+    }
+  }
   [[nodiscard]] bool isShown() const override { return item_.visible; }
   [[nodiscard]] QRect place() const override {
-    NSStatusBarButton* const button = item_.button;
-    if (button.window == nil) return {};
-    return inQt([button.window convertRectToScreen:[button convertRect:button.bounds toView:nil]]);
+    @autoreleasepool {
+      NSStatusBarButton* const button = item_.button;
+      if (button.window == nil) return {};
+      return inQt([button.window convertRectToScreen:[button convertRect:button.bounds toView:nil]]);
+    }
   }
 
 private:
@@ -122,7 +133,8 @@ private:
   }
 
   VentolithPressTarget* target_;
-  NSStatusItem* item_;
+  NSStatusItem* item_ = nil; // Until it is shown.
+  StatusItemLabel label_;
 };
 
 } // namespace

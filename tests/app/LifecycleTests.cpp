@@ -1,6 +1,7 @@
 // The application's beginning and end.
 #include "ModelFixture.h"
 
+#include "app/FileUserSettings.h"
 #include "app/Lifecycle.h"
 
 namespace ventolith::app {
@@ -8,8 +9,8 @@ namespace {
 
 class LifecycleTest : public AppModelTest {
 protected:
-  [[nodiscard]] UserSettings settings() {
-    return UserSettings(disk, [] { return "/home/user/.config"; });
+  [[nodiscard]] std::unique_ptr<UserSettings> settings() {
+    return std::make_unique<FileUserSettings>(disk, [] { return "/home/user/.config"; });
   }
   [[nodiscard]] std::string storedText() const { return disk.files().at(file); }
 
@@ -18,18 +19,18 @@ protected:
 
 TEST_F(LifecycleTest, TheFirstLaunchIsOncePerAccount) {
   EXPECT_TRUE(Lifecycle(settings()).takeFirstLaunch());
-  EXPECT_TRUE(settings().hasOpenedOnFirstLaunch());
+  EXPECT_TRUE(settings()->hasOpenedOnFirstLaunch());
   EXPECT_FALSE(Lifecycle(settings()).takeFirstLaunch());
 }
 
 TEST_F(LifecycleTest, TheFlagIsStoredUnderItsKey) {
-  settings().setHasOpenedOnFirstLaunch(true);
+  settings()->setHasOpenedOnFirstLaunch(true);
   EXPECT_EQ(storedText(), "{\n  \"com.ventolith.hasOpenedOnFirstLaunch\" : true\n}");
 }
 
 TEST_F(LifecycleTest, OtherSettingsStay) {
   disk.put(file, R"({"other": [1], "com.ventolith.hasOpenedOnFirstLaunch": false})");
-  settings().setHasOpenedOnFirstLaunch(true);
+  settings()->setHasOpenedOnFirstLaunch(true);
   const auto stored = core::parseJSON(storedText());
   EXPECT_EQ(stored, core::JSON::parse(R"({"other": [1], "com.ventolith.hasOpenedOnFirstLaunch": true})"));
 }
@@ -37,9 +38,9 @@ TEST_F(LifecycleTest, OtherSettingsStay) {
 TEST_F(LifecycleTest, DamagedSettingsCountAsNone) {
   for (const char* text : {"", "{", "[]", "true", R"({"com.ventolith.hasOpenedOnFirstLaunch": "yes"})"}) {
     disk.put(file, text);
-    EXPECT_FALSE(settings().hasOpenedOnFirstLaunch()) << text;
-    settings().setHasOpenedOnFirstLaunch(true);
-    EXPECT_TRUE(settings().hasOpenedOnFirstLaunch()) << text;
+    EXPECT_FALSE(settings()->hasOpenedOnFirstLaunch()) << text;
+    settings()->setHasOpenedOnFirstLaunch(true);
+    EXPECT_TRUE(settings()->hasOpenedOnFirstLaunch()) << text;
   }
 }
 
@@ -47,7 +48,7 @@ TEST_F(LifecycleTest, SettingsThatCouldNotBeReadBackLeaveTheOldFile) {
   const std::string text =
       R"({"other": ")" + std::string(3'000'000, '/') + R"("})"; // Twice as long when escaped.
   disk.put(file, text);
-  settings().setHasOpenedOnFirstLaunch(true);
+  settings()->setHasOpenedOnFirstLaunch(true);
   EXPECT_EQ(storedText(), text);
 }
 

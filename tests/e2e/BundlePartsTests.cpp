@@ -52,6 +52,14 @@ TEST(InformationTemplate, IsAnApplicationOfTheMenuBarWithTheIdentifierThatTheHel
             platform::applicationIdentifier);
 }
 
+TEST(InformationTemplate, LetsHTTPThroughOnlyWhereTheFeedMayBeOnThisComputer) {
+  EXPECT_EQ(
+      valueOf(
+          VENTOLITH_BUILD "/share/ventolith/Info.plist",
+          "p['NSAppTransportSecurity'] == {'NSAllowsLocalNetworking': p['AppUpdateAllowInsecureLocalhost']}"),
+      "True");
+}
+
 TEST(Entitlements, ThereAreNone) {
   EXPECT_EQ(valueOf(VENTOLITH_SOURCES "/packaging/macos/ventolith.entitlements", "p"), "{}");
 }

@@ -67,6 +67,9 @@ TEST_F(Installed, TheDesktopFindsTheApplicationAndItsIcon) {
   EXPECT_TRUE(fs::is_regular_file(file("usr/bin/" + named[1].str())));
   ASSERT_TRUE(std::regex_search(entry, named, std::regex("\nIcon=([^\n]+)\n")));
   EXPECT_TRUE(fs::is_regular_file(file("usr/share/icons/hicolor/scalable/apps/" + named[1].str() + ".svg")));
+  EXPECT_NE(text("usr/share/polkit-1/actions/com.ventolith.helper.policy")
+                .find("<icon_name>" + named[1].str() + "<"),
+            std::string::npos);
 }
 
 TEST_F(Installed, TheNoticesNameWhatIsIncludedAndCarryItsTerms) {

@@ -32,8 +32,8 @@ target=${!#}
     tool("codesign",
          note + R"([ ! -f "$target" ] || [[ $call == *--verify* ]] || echo signed >>"$target"; exit 0)");
     tool("security", note + "echo '  1) 0123 \"" + identity + "\"'");
-    tool("ditto", note + R"(exec cp -R "$1" "$2")");
-    tool("hdiutil", note + R"(echo image >"$target")");
+    tool("ditto", note + R"(exec cp -R "${@: -2:1}" "$target")");
+    tool("hdiutil", note + R"(rm "${0%/*}/../busy" 2>/dev/null && exit 1; echo image >"$target")");
     tool("xcrun", note + R"([[ $call != *submit* ]] || printf '  id: 77\n  status: %s\n' "$ANSWER")");
     tool("plutil", "#!/bin/bash\necho 13.0");
     tool("file", "#!/bin/bash\ngrep -q ^code \"$2\" && echo 'Mach-O 64-bit' || echo data");
@@ -54,6 +54,8 @@ sed -n 's/^needs \(.*\)/\t\1 (compatibility version 1.0.0, current version 1.0.0
   [[nodiscard]] fs::path tools() const { return folder_.path() / "tools"; }
   [[nodiscard]] fs::path bundle() const { return folder_.path() / "Ventolith.app"; }
   [[nodiscard]] fs::path image() const { return folder_.path() / "Ventolith.dmg"; }
+  /// While this file is there, hdiutil fails, once.
+  [[nodiscard]] fs::path busy() const { return folder_.path() / "busy"; }
   [[nodiscard]] Lines calls() const { return readLines(folder_.path() / "calls"); }
   [[nodiscard]] Ended script(const std::string& name, const Lines& arguments, Environment environment) const {
     environment.emplace("PATH", tools().string() + ":/usr/bin:/bin");
@@ -185,6 +187,14 @@ TEST_F(Packaging, ADiskImageThatCannotBeFinishedLeavesTheEarlierOne) {
   }
 }
 
+TEST_F(Packaging, AVolumeThatSomebodyLooksAtIsTriedAgain) {
+  write(busy(), "", fs::perms::owner_all);
+  const Ended ended = script("make-disk-image", {bundle().string(), image().string()}, {});
+  ASSERT_EQ(ended.status, 0) << ended.err;
+  EXPECT_FALSE(fs::exists(busy()));
+  EXPECT_EQ(readText(image()), "image\n");
+}
+
 TEST_F(Packaging, WhatAppleAcceptsGetsItsTicket) {
   write(image(), "image\n", fs::perms::owner_all);
   ASSERT_EQ(notarise("Accepted").status, 0);
@@ -230,8 +240,8 @@ TEST_F(Packaging, CodeForANewerSystemIsToldAndLetPass) {
 }
 
 TEST_F(Packaging, EveryScriptTellsWhatItDoesAndHowItIsCalled) {
-  for (const std::string name :
-       {"sign-bundle", "notarise", "make-disk-image", "../packaging/macos/check-bundle"}) {
+  for (const std::string name : {"sign-bundle", "notarise", "make-disk-image",
+                                 "../packaging/macos/check-bundle", "../packaging/macos/copy-libraries"}) {
     const Ended help = script(name, {"--help"}, {});
     EXPECT_EQ(help.status, 0) << name;
     EXPECT_TRUE(help.out.starts_with(fs::path(name).filename().string() + " ")) << help.out;

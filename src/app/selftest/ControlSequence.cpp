@@ -3,6 +3,7 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <memory>
 

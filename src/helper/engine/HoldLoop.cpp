@@ -3,6 +3,7 @@
 #include "helper/engine/LocalFanController.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cmath>
 

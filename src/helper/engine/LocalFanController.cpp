@@ -3,6 +3,7 @@
 #include "hardware/FanKeys.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cmath>
 

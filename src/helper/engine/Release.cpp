@@ -6,6 +6,7 @@
 #include "hardware/FanKeys.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <iterator>

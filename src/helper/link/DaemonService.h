@@ -32,7 +32,8 @@ public:
   /// Stops and unregisters it.
   virtual runtime::Async<ErrorText> unregisterDaemon() = 0;
 
-  /// Leads the user to where the helper is allowed.
+  /// Leads the user to where the helper is allowed. Has done so when a `status` that is asked for afterwards
+  /// is answered.
   virtual void openSystemSettings() = 0;
 };
 

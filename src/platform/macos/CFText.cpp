@@ -15,4 +15,10 @@ std::string textOf(CFTypeRef object) {
   return text;
 }
 
+CFOwned<CFStringRef> cfText(std::string_view text) {
+  const auto* const bytes = reinterpret_cast<const UInt8*>(text.data()); // NOLINT: the same bytes
+  return CFOwned<CFStringRef>(::CFStringCreateWithBytes(
+      kCFAllocatorDefault, bytes, static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
+}
+
 } // namespace ventolith::platform

@@ -1,5 +1,6 @@
 #include "platform/macos/HIDEventSystem.h"
 
+#include "platform/macos/AutoreleasePool.h"
 #include "platform/macos/CFText.h"
 
 #include <utility>
@@ -20,6 +21,7 @@ std::shared_ptr<void> handle(CFOwned<CFTypeRef> object) {
 
 std::optional<hardware::HIDBridge::Discovery> HIDEventSystem::discoverLabeledTemperatureServices() {
   if (!isAvailable()) return std::nullopt;
+  const AutoreleasePool pool;
   CFOwned<CFTypeRef> client(interface_.clientCreate(kCFAllocatorDefault));
   if (!client) return std::nullopt;
   interface_.setMatching(client.get(), interface_.temperatureMatching.get());
@@ -39,6 +41,7 @@ std::optional<hardware::HIDBridge::Discovery> HIDEventSystem::discoverLabeledTem
 
 std::optional<double> HIDEventSystem::sampleTemperature(const Service& service) {
   if (!isAvailable() || !service.service) return std::nullopt;
+  const AutoreleasePool pool;
   const CFOwned<CFTypeRef> event(interface_.copyEvent(service.service.get(), temperatureEvent, 0, 0));
   if (!event) return std::nullopt;
   return interface_.getFloatValue(event.get(), temperatureLevel);

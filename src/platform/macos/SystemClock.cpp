@@ -46,11 +46,13 @@ public:
 
 private:
   int change(std::uint16_t action, std::intptr_t ticks) {
-    // At a moment of the time line that goes on while the machine sleeps.
+    // At a moment of the time line that goes on while the machine sleeps. Critical, since the system lets the
+    // timers of an application without a window come many seconds late, heartbeats among them.
     const struct kevent timer = {.ident = 0,
                                  .filter = EVFILT_TIMER,
                                  .flags = action,
-                                 .fflags = NOTE_ABSOLUTE | NOTE_MACHTIME | NOTE_MACH_CONTINUOUS_TIME,
+                                 .fflags = NOTE_ABSOLUTE | NOTE_MACHTIME | NOTE_MACH_CONTINUOUS_TIME |
+                                           NOTE_CRITICAL,
                                  .data = ticks,
                                  .udata = nullptr};
     return ::kevent(queue_.get(), &timer, 1, nullptr, 0, nullptr);

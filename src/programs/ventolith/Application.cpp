@@ -4,8 +4,10 @@
 #include "platform/system/UserFolders.h"
 #include "platform/system/desktop/OpenURL.h"
 #include "platform/system/desktop/SystemPowerSource.h"
+#include "platform/system/desktop/SystemUserSettings.h"
 #include "platform/system/desktop/UpdateEngines.h"
 #include "platform/system/service/ErrorLine.h"
+#include "programs/ventolith/Pace.h"
 
 #include <cstdio>
 #include <optional>
@@ -50,8 +52,9 @@ Application::Application(const Executors& executors, const Environment& environm
       sensors_(executors.engine, smc_, *machine_.hid, executors.engineClock, platform::sayOnStandardError),
       services_(executors.engine, executors.engineClock, serviceOptions(environment)),
       bundle_(platform::InstalledBundle::ofProgram(files_)),
-      lifecycle_(app::UserSettings(files_, platform::userConfigurationFolder)),
+      lifecycle_(platform::systemUserSettings(files_)),
       model_(app::AppModel::make(dependencies(executors, environment))) {
+  keepPace();
   if (bundle_.complaint()) platform::sayOnStandardError("ventolith: " + *bundle_.complaint());
 }
 

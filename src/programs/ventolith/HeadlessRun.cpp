@@ -8,6 +8,7 @@
 #include "programs/ventolith/HeadlessCommands.h"
 #include "programs/ventolith/HeadlessReport.h"
 #include "programs/ventolith/LastWords.h"
+#include "programs/ventolith/MainLoop.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/posix/stream_descriptor.hpp>
@@ -42,8 +43,12 @@ void writeLine(const std::string& line) {
 /// Standard input with a mode of its own: it is read without waiting, which the shell and whoever else has it
 /// must not notice.
 int ownStandardInput() {
-  const int own = ::open("/proc/self/fd/0", O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  return own >= 0 ? own : ::dup(STDIN_FILENO);
+  // Not every system shows its descriptors as files; a terminal has a name on all of them.
+  for (const char* const name : {"/proc/self/fd/0", const_cast<const char*>(::ttyname(STDIN_FILENO))}) {
+    const int own = name == nullptr ? -1 : ::open(name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (own >= 0) return own;
+  }
+  return ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
 class Headless {
@@ -52,7 +57,8 @@ public:
       : engine_(engineRuns == EngineRuns::onItsOwnThread ? std::make_unique<EngineThread>() : nullptr),
         application_(executors(), environment) {}
 
-  [[noreturn]] void run() {
+  /// True when nothing runs any more; else the engine's thread, which something holds up.
+  [[nodiscard]] bool run() {
     if (engine_) engine_->start();
     writeLine("machine: " + application_.machineName());
     application_.lifecycle().join(application_.model());
@@ -60,7 +66,7 @@ public:
     awaitSignals();
     readCommands();
     context_.run();
-    end();
+    return end();
   }
 
 private:
@@ -111,14 +117,14 @@ private:
   }
 
   /// A second signal ends the process at once.
-  [[noreturn]] void end() {
+  [[nodiscard]] bool end() {
     report_.reset();
     signals_.clear();
     in_.close();
     application_.terminate();
     context_.restart();
     context_.run_for(lastWords);
-    endProcess(!engine_ || engine_->end(longestEngineEnd));
+    return !engine_ || engine_->end(longestEngineEnd);
   }
 
   asio::io_context context_{1};
@@ -126,7 +132,7 @@ private:
   asio::signal_set signals_{context_};
   asio::posix::stream_descriptor in_{context_, ownStandardInput()};
   std::string read_;                     // Of the line that is being read, and beyond.
-  std::unique_ptr<EngineThread> engine_; // None when it shares this one.
+  std::unique_ptr<EngineThread> engine_; // None when it shares the model's.
   Application application_;
   std::optional<HeadlessReport> report_;
 };
@@ -136,7 +142,9 @@ private:
 void runHeadless(const Environment& environment, EngineRuns engineRuns) {
   std::signal(SIGPIPE, SIG_IGN); // A reader that went away is a write that fails, and no sudden end.
   Headless application(environment, engineRuns);
-  application.run(); // Takes nothing down in which work that was given up may still wait.
+  bool isEngineEnded = false;
+  runBesideMainLoop([&] { isEngineEnded = application.run(); });
+  endProcess(isEngineEnded); // Takes nothing down in which work that was given up may still wait.
 }
 
 } // namespace ventolith::programs

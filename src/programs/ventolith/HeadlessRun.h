@@ -5,7 +5,7 @@
 
 namespace ventolith::programs {
 
-enum class EngineRuns { onTheMainThread, onItsOwnThread };
+enum class EngineRuns { onTheModelsThread, onItsOwnThread };
 
 /// Runs until SIGINT, SIGTERM, SIGHUP or the word "quit" on standard input, whose end changes nothing; then
 /// gives the fans back and ends the process. Fails as Application does.

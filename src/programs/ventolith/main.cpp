@@ -57,7 +57,7 @@ int main(int argumentCount, char** arguments) {
     if (has(words, "--headless")) {
       programs::runHeadless(programs::processEnvironment, has(words, "--engine-thread")
                                                               ? programs::EngineRuns::onItsOwnThread
-                                                              : programs::EngineRuns::onTheMainThread);
+                                                              : programs::EngineRuns::onTheModelsThread);
     }
     programs::runWindow(argumentCount, arguments, programs::processEnvironment);
   } catch (const std::exception& error) {

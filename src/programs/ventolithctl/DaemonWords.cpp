@@ -1,5 +1,7 @@
 #include "programs/ventolithctl/DaemonWords.h"
 
+#include "programs/ventolithctl/SystemAdvice.h"
+
 #include <array>
 #include <cctype>
 
@@ -12,17 +14,13 @@ namespace {
 struct Words {
   std::string_view caseName;
   std::string_view reason;
-  std::string_view advice;
 };
 
 constexpr std::array words = {
-    Words{"notRegistered", "the helper is not installed",
-          "\"ventolithctl helper install\" installs and starts it."},
-    Words{"enabled", "the helper is installed", ""},
-    Words{"requiresApproval", "the helper is not allowed to run",
-          "An administrator has to allow it: \"ventolithctl helper install\" asks for that."},
-    Words{"notFound", "this system knows no helper",
-          "Ventolith's package has to be installed first, and the system's service manager to run."},
+    Words{"notRegistered", "the helper is not installed"},
+    Words{"enabled", "the helper is installed"},
+    Words{"requiresApproval", "the helper is not allowed to run"},
+    Words{"notFound", "this system knows no helper"},
 };
 
 const Words& wordsOf(DaemonStatus status) {
@@ -46,7 +44,13 @@ std::string registrationSentence(DaemonStatus status) {
 }
 
 std::string_view registrationAdvice(DaemonStatus status) {
-  return wordsOf(status).advice;
+  switch (status) {
+  case DaemonStatus::notRegistered: return "\"ventolithctl helper install\" installs and starts it.";
+  case DaemonStatus::enabled: return "";
+  case DaemonStatus::requiresApproval: return approvalAdvice();
+  case DaemonStatus::notFound: break;
+  }
+  return installationAdvice();
 }
 
 } // namespace ventolith::ctl

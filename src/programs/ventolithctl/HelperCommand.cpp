@@ -27,6 +27,13 @@ struct Registered {
   bool hasFailed = false; // Said why on standard error.
 };
 
+/// Where the helper is allowed. They are open when a question that is asked afterwards is answered: this
+/// process ends, and would take the request along.
+Async<void> openSettings(Manager manager) {
+  manager->openSystemSettings();
+  co_await manager->refreshStatus();
+}
+
 /// A manager that has made its change, if there is one to make.
 Async<Registered> changed(runtime::Executor executor, std::unique_ptr<helper::DaemonService> service,
                           Change change, Context& context) {
@@ -37,6 +44,8 @@ Async<Registered> changed(runtime::Executor executor, std::unique_ptr<helper::Da
   };
   const Manager manager = co_await HelperManager::make(std::move(executor), std::move(service), print);
   if (change != nullptr) co_await ((*manager).*change)();
+  if (change != nullptr && manager->status() == DaemonStatus::requiresApproval)
+    co_await openSettings(manager);
   co_return Registered{.manager = manager, .hasFailed = *hasFailed};
 }
 
@@ -77,7 +86,6 @@ Async<void> stayWithChild(HelperManager& manager, Context& context) {
 Async<ExitStatus> enable(Change change, std::string done, Context& context) {
   const Registered registered = co_await changedUnlessInterrupted(change, context);
   const DaemonStatus status = registered.manager->status();
-  if (status == DaemonStatus::requiresApproval) registered.manager->openSystemSettings();
   if (status != DaemonStatus::enabled)
     throw CommandError(statusOfEnabling(status), std::string(registrationReason(status)));
   if (registered.hasFailed)

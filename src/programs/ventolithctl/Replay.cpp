@@ -4,6 +4,8 @@
 #include "core/Visitor.h"
 #include "runtime/Time.h"
 
+#include <fmt/ranges.h>
+
 #include <iterator>
 
 namespace ventolith::ctl {

@@ -4,6 +4,7 @@
 #include "programs/ventolithctl/TextLayout.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>

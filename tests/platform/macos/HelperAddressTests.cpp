@@ -18,12 +18,25 @@ TEST(MachService, IsTheSystemsUnlessAnotherIsAskedFor) {
 }
 
 TEST(DaemonStatusOf, KnowsTheFourAndTakesNoOtherForAHelper) {
-  EXPECT_EQ(daemonStatusOf(0), DaemonStatus::notRegistered);
-  EXPECT_EQ(daemonStatusOf(1), DaemonStatus::enabled);
-  EXPECT_EQ(daemonStatusOf(2), DaemonStatus::requiresApproval);
-  EXPECT_EQ(daemonStatusOf(3), DaemonStatus::notFound);
-  EXPECT_EQ(daemonStatusOf(4), DaemonStatus::notFound);
-  EXPECT_EQ(daemonStatusOf(-1), DaemonStatus::notFound);
+  for (const auto list : {PropertyList::isBrought, PropertyList::isMissing}) {
+    EXPECT_EQ(daemonStatusOf(0, list), DaemonStatus::notRegistered);
+    EXPECT_EQ(daemonStatusOf(1, list), DaemonStatus::enabled);
+    EXPECT_EQ(daemonStatusOf(2, list), DaemonStatus::requiresApproval);
+    EXPECT_EQ(daemonStatusOf(4, list), DaemonStatus::notFound);
+    EXPECT_EQ(daemonStatusOf(-1, list), DaemonStatus::notFound);
+  }
+}
+
+TEST(DaemonStatusOf, TakesWhatMacOSHasNotFoundYetForNotRegisteredWhereTheBundleBringsIt) {
+  EXPECT_EQ(daemonStatusOf(3, PropertyList::isBrought), DaemonStatus::notRegistered);
+  EXPECT_EQ(daemonStatusOf(3, PropertyList::isMissing), DaemonStatus::notFound);
+}
+
+TEST(DaemonStatusOf, KnowsWhatIsRegisteredWhetherOrNotItIsAllowed) {
+  EXPECT_TRUE(isRegistered(DaemonStatus::enabled));
+  EXPECT_TRUE(isRegistered(DaemonStatus::requiresApproval));
+  EXPECT_FALSE(isRegistered(DaemonStatus::notRegistered));
+  EXPECT_FALSE(isRegistered(DaemonStatus::notFound));
 }
 
 } // namespace

@@ -137,23 +137,23 @@ TEST_F(HelperIntakeTest, AnswersNoHeartbeat) {
 TEST_F(HelperIntakeTest, RefusesACallBeyondTheBoundAtOnce) {
   const auto caller = admit();
   service.isHeld = true;
-  constexpr auto most = static_cast<std::int64_t>(platform::CallBudget::most);
+  constexpr auto most = static_cast<std::int64_t>(HelperIntake::mostCalls);
   for (std::int64_t rpm = 1; rpm <= most + 1; ++rpm)
     command(*caller, rpm);
   EXPECT_EQ(answers, (std::map<std::int64_t, Answers>{{most + 1, {std::nullopt}}}));
   settle();
-  EXPECT_EQ(service.log.size(), platform::CallBudget::most);
+  EXPECT_EQ(service.log.size(), HelperIntake::mostCalls);
 }
 
 TEST_F(HelperIntakeTest, TakesCallsAgainOnceOthersAreAnswered) {
   const auto caller = admit();
-  constexpr auto most = static_cast<std::int64_t>(platform::CallBudget::most);
+  constexpr auto most = static_cast<std::int64_t>(HelperIntake::mostCalls);
   for (std::int64_t rpm = 1; rpm <= most; ++rpm)
     command(*caller, rpm);
   for (std::int64_t beats = 0; beats < most; ++beats)
     caller->take(messages::Heartbeat(), nullptr); // Count too, and are dropped here.
   settle();
-  EXPECT_EQ(service.log.size(), platform::CallBudget::most);
+  EXPECT_EQ(service.log.size(), HelperIntake::mostCalls);
   command(*caller, 5000);
   settle();
   EXPECT_EQ(answers[5000], Answers{code(5000)});
@@ -163,11 +163,33 @@ TEST_F(HelperIntakeTest, BoundsEachConnectionByItself) {
   const auto greedy = admit();
   const auto modest = admit();
   service.isHeld = true;
-  for (std::size_t call = 0; call <= platform::CallBudget::most; ++call)
+  for (std::size_t call = 0; call <= HelperIntake::mostCalls; ++call)
     command(*greedy, 1);
   command(*modest, 2);
   settle();
   EXPECT_EQ(service.log.back(), std::string(second) + " 2");
+}
+
+TEST_F(HelperIntakeTest, LetsInNoConnectionBeyondTheBoundUntilAnotherGoes) {
+  std::vector<std::shared_ptr<HelperIntake::Caller>> here;
+  for (std::size_t connection = 0; connection < HelperIntake::mostConnections; ++connection)
+    here.push_back(admit());
+  EXPECT_EQ(admit(), nullptr);
+  settle();
+  here.front()->gone();
+  EXPECT_EQ(admit(), nullptr); // Nobody knows yet that it went.
+  settle();
+  EXPECT_NE(admit(), nullptr);
+  EXPECT_EQ(admit(), nullptr);
+}
+
+TEST_F(HelperIntakeTest, AConnectionThatIsNotLetInIsNotClosed) {
+  std::vector<std::shared_ptr<HelperIntake::Caller>> here;
+  for (std::size_t connection = 0; connection <= HelperIntake::mostConnections; ++connection)
+    here.push_back(admit());
+  settle();
+  EXPECT_EQ(intake->stop(), HelperIntake::mostConnections);
+  EXPECT_EQ(closed, static_cast<int>(HelperIntake::mostConnections));
 }
 
 TEST_F(HelperIntakeTest, TellsOnceOfAWatchedCallerThatGoes) {

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <optional>
+#include <thread>
 #include <vector>
 
 namespace ventolith::platform {
@@ -121,6 +122,21 @@ TEST_F(IOPowerSourceTest, NotificationUnderWayAtTheStopIsNotToldAndPostsNothing)
   main_.notifyAllThatEverWere();
   EXPECT_EQ(runEngine(), 0U);
   EXPECT_EQ(told_, 0);
+}
+
+// For a sanitizer to look at, too: the main thread is another one.
+TEST_F(IOPowerSourceTest, NothingIsToldAfterAStopWhileTheMainThreadNotifies) {
+  start();
+  std::thread mainThread([this] {
+    for (int time = 0; time < 1000; ++time)
+      main_.notifyAllThatEverWere();
+  });
+  runEngine();
+  provider_.reset();
+  const int toldBefore = told_;
+  mainThread.join();
+  runEngine();
+  EXPECT_EQ(told_, toldBefore);
 }
 
 TEST_F(IOPowerSourceTest, NotificationThatWaitsAtTheStopIsNotTold) {

@@ -15,13 +15,15 @@ namespace ventolith::platform {
 
 using Log = std::vector<std::string>;
 
-/// Fails the test if an object was used wrongly, or is still held when everything else of the test is gone.
+/// Fails the test if an object was used wrongly, or if one, or a pool, is still there when everything else of
+/// the test is gone.
 class MacTest : public testing::Test {
 protected:
   MacTest() = default;
   ~MacTest() override {
     EXPECT_EQ(objects_.complaints(), Log{});
     EXPECT_EQ(objects_.held(), Log{});
+    EXPECT_FALSE(objects_.hasPool());
   }
 
   fake::Objects objects_;

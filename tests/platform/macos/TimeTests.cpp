@@ -98,8 +98,16 @@ TEST_F(MacSystemClockTest, TimerIsForOneMomentOfTheTimeThatCountsSleep) {
   ASSERT_EQ(kernel_.changes.size(), 1U);
   EXPECT_EQ(kernel_.changes[0].filter, EVFILT_TIMER);
   EXPECT_EQ(kernel_.changes[0].flags, EV_ADD | EV_ONESHOT);
-  EXPECT_EQ(kernel_.changes[0].fflags, NOTE_ABSOLUTE | NOTE_MACHTIME | NOTE_MACH_CONTINUOUS_TIME);
+  EXPECT_EQ(kernel_.changes[0].fflags & ~NOTE_CRITICAL,
+            NOTE_ABSOLUTE | NOTE_MACHTIME | NOTE_MACH_CONTINUOUS_TIME);
   EXPECT_EQ(static_cast<std::uint64_t>(kernel_.changes[0].data), 100 * ticksPerSecond);
+  stop();
+}
+
+TEST_F(MacSystemClockTest, TimerIsNotPutOffToSavePower) {
+  sleepUntil(elapsedTime() + 10h, source_.token());
+  ASSERT_EQ(kernel_.changes.size(), 1U);
+  EXPECT_NE(kernel_.changes[0].fflags & NOTE_CRITICAL, 0U);
   stop();
 }
 

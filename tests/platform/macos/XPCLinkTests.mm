@@ -1,20 +1,20 @@
-// The helper's object behind a connection of XPC's own, within one process: on a Mac alone. What crosses is
-// waited for, since XPC has no other time than the real one.
+// Both ends of the line over XPC itself, within one process: on a Mac alone. What crosses is waited for,
+// since XPC has no other time than the real one.
 #include "core/ControlContract.h"
 #include "platform/macos/service/FanHelperProtocol.h"
 #include "platform/macos/service/FoundationText.h"
 #include "platform/macos/service/HelperPeer.h"
-
-#import <objc/runtime.h>
+#include "platform/macos/service/XPCHelperChannel.h"
 
 #include <boost/asio/io_context.hpp>
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <functional>
-#include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace ventolith;
@@ -62,6 +62,17 @@ struct Service final : helper::HelperService {
   std::vector<helper::HelperMessage> arrived;
 };
 
+/// Whether `isDone` comes true while the executor runs, for five seconds at most.
+bool runUntil(boost::asio::io_context& context, const std::function<bool()>& isDone) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  const auto work = boost::asio::make_work_guard(context);
+  while (!isDone()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    context.run_for(std::chrono::milliseconds(5));
+  }
+  return true;
+}
+
 struct XPCLink : testing::Test {
   XPCLink() {
     intake->serve(service);
@@ -78,14 +89,6 @@ struct XPCLink : testing::Test {
     [listener invalidate];
   }
 
-  /// Runs the service's executor until `isDone`, for five seconds at most.
-  bool await(const std::function<bool()>& isDone) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    const auto work = boost::asio::make_work_guard(context);
-    while (!isDone() && std::chrono::steady_clock::now() < end)
-      context.run_for(std::chrono::milliseconds(5));
-    return isDone();
-  }
   /// The text of what a call is answered with; "error" where it ends by one.
   std::string answerTo(const std::function<void(id<FanHelperProtocol>, void (^)(std::string))>& call) {
     const auto answer = std::make_shared<std::string>();
@@ -98,7 +101,7 @@ struct XPCLink : testing::Test {
            note("error");
          }],
          note);
-    await([&] { return dispatch_semaphore_wait(come, DISPATCH_TIME_NOW) == 0; });
+    runUntil(context, [&] { return dispatch_semaphore_wait(come, DISPATCH_TIME_NOW) == 0; });
     return *answer;
   }
   std::string codeOf(const std::function<void(id<FanHelperProtocol>, void (^)(std::int64_t))>& call) {
@@ -117,29 +120,6 @@ struct XPCLink : testing::Test {
   NSXPCListener* listener = [NSXPCListener anonymousListener];
   NSXPCConnection* connection = nil;
 };
-
-TEST(FanHelperProtocol, HasItsSelectorsAndTypes) {
-  const std::map<std::string, std::string> types = {
-      {"helperVersionWithReply:", "v24@0:8@?16"},
-      {"shutdownForUpgradeWithReply:", "v24@0:8@?16"},
-      {"setManualRPMWithFan:rpm:withReply:", "v40@0:8q16q24@?32"},
-      {"setPercentWithFan:percent:withReply:", "v40@0:8q16d24@?32"},
-      {"fullBlastWithReply:", "v24@0:8@?16"},
-      {"automaticWithReply:", "v24@0:8@?16"},
-      {"applyConfig:withReply:", "v32@0:8@16@?24"},
-      {"restoreAutoWithReply:", "v24@0:8@?16"},
-      {"heartbeat", "v16@0:8"},
-      {"readStateWithReply:", "v24@0:8@?16"},
-  };
-  for (const auto& [selector, type] : types) {
-    const auto method = protocol_getMethodDescription(@protocol(FanHelperProtocol),
-                                                      sel_registerName(selector.c_str()), YES, YES);
-    EXPECT_STREQ(method.types, type.c_str()) << selector;
-  }
-  unsigned count = 0;
-  free(protocol_copyMethodDescriptionList(@protocol(FanHelperProtocol), YES, YES, &count));
-  EXPECT_EQ(count, types.size());
-}
 
 TEST_F(XPCLink, CarriesTheCommandsAndTheirCodes) {
   EXPECT_EQ(codeOf([](auto helper, auto reply) { [helper setManualRPMWithFan:1 rpm:2500 withReply:reply]; }),
@@ -204,6 +184,58 @@ TEST_F(XPCLink, OfAPlanThatIsTooLongNoMoreArrivesThanTheServiceRefuses) {
   });
   ASSERT_EQ(service.arrived.size(), 1U);
   EXPECT_EQ(std::get<messages::ApplyConfig>(service.arrived[0]).plan.size(), HelperIntake::copiedBytes);
+}
+
+TEST_F(XPCLink, ACallThatIsUnderWayWhenTheHelperStopsIsRefused) {
+  EXPECT_EQ(answerTo([this](auto helper, auto note) {
+              [helper fullBlastWithReply:^(std::int64_t code) {
+                note(std::to_string(code));
+              }];
+              intake->stop();
+            }),
+            std::to_string(core::ControlResult::failed("").xpcCode()));
+  EXPECT_TRUE(service.arrived.empty());
+}
+
+struct ChannelToNobody : testing::Test {
+  ChannelToNobody() {
+    channel.resume({.interrupted = [] {}, .invalidated = [this] { ++losses; }});
+  }
+
+  boost::asio::io_context context;
+  int losses = 0;
+  platform::XPCHelperChannel channel{context.get_executor(),
+                                     {"com.ventolith.tests.nobody", platform::MachService::Domain::user}};
+};
+
+TEST_F(ChannelToNobody, ACallEndsWithoutAReplyAndTheLossIsToldOnce) {
+  std::vector<std::optional<helper::HelperReply>> ends;
+  const auto call = [this, &ends](helper::HelperMessage message) -> runtime::Async<void> {
+    ends.push_back(co_await channel.call(std::move(message)));
+  };
+  runtime::start(context.get_executor(), "the first call", call(messages::FullBlast()));
+  EXPECT_TRUE(runUntil(context, [&] { return ends.size() == 1 && losses == 1; }));
+  runtime::start(context.get_executor(), "the second call", call(messages::ReadState()));
+  EXPECT_TRUE(runUntil(context, [&] { return ends.size() == 2; }));
+  EXPECT_EQ(ends[0], std::nullopt);
+  EXPECT_EQ(ends[1], std::nullopt);
+  EXPECT_EQ(losses, 1);
+}
+
+TEST_F(ChannelToNobody, AHeartbeatIsLostAndSoIsTheChannel) {
+  channel.send(messages::Heartbeat());
+  EXPECT_TRUE(runUntil(context, [&] { return losses == 1; }));
+}
+
+TEST_F(ChannelToNobody, ACallThatIsUnderWayWhenItIsInvalidatedEnds) {
+  bool hasEnded = false;
+  const auto call = [this, &hasEnded]() -> runtime::Async<void> {
+    hasEnded = !(co_await channel.call(messages::FullBlast())).has_value();
+  };
+  runtime::start(context.get_executor(), "the call", call());
+  channel.invalidate();
+  EXPECT_TRUE(runUntil(context, [&] { return hasEnded; }));
+  EXPECT_EQ(losses, 0);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // `helper …`: the helper's registration with the system.
 #include "programs/ventolithctl/RemoteFixture.h"
+#include "programs/ventolithctl/SystemAdvice.h"
 
 namespace ventolith::ctl {
 namespace {
@@ -122,11 +123,9 @@ TEST_F(HelperCommand, StatusShowsTheRegistrationAndAsksNoHelper) {
       {DaemonStatus::notRegistered, ExitStatus::noHelper,
        "The helper is not installed.\n\"ventolithctl helper install\" installs and starts it.\n"},
       {DaemonStatus::requiresApproval, ExitStatus::noHelper,
-       "The helper is not allowed to run.\n"
-       "An administrator has to allow it: \"ventolithctl helper install\" asks for that.\n"},
+       "The helper is not allowed to run.\n" + std::string(approvalAdvice()) + "\n"},
       {DaemonStatus::notFound, ExitStatus::noHelper,
-       "This system knows no helper.\n"
-       "Ventolith's package has to be installed first, and the system's service manager to run.\n"},
+       "This system knows no helper.\n" + std::string(installationAdvice()) + "\n"},
   };
   for (const Row& row : rows) {
     registration->status = row.status;
@@ -136,6 +135,11 @@ TEST_F(HelperCommand, StatusShowsTheRegistrationAndAsksNoHelper) {
   }
   EXPECT_TRUE(registration->log.empty());
   EXPECT_EQ(link.channelsMade(), 0U);
+}
+
+TEST(SystemAdvice, SaysWhatToCallAndWhatToInstall) {
+  EXPECT_NE(approvalAdvice().find("\"ventolithctl helper install\""), std::string_view::npos);
+  EXPECT_NE(installationAdvice().find("Ventolith"), std::string_view::npos);
 }
 
 TEST_F(HelperCommand, AloneIsAskedForMore) {

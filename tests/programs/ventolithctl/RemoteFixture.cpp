@@ -5,6 +5,8 @@
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
 
+#include <utility>
+
 namespace ventolith::ctl {
 
 using helper::DaemonStatus;
@@ -32,6 +34,7 @@ public:
 
   Async<DaemonStatus> status() override {
     if (!told_->answers) co_await waitForEver();
+    if (std::exchange(told_->isToOpenSettings, false)) told_->log.emplace_back("settings");
     co_return told_->status;
   }
   Async<ErrorText> registerDaemon() override {
@@ -45,7 +48,7 @@ public:
     told_->status = told_->statusAfterUnregister;
     co_return told_->unregistrationError;
   }
-  void openSystemSettings() override { told_->log.emplace_back("settings"); }
+  void openSystemSettings() override { told_->isToOpenSettings = true; }
 
 private:
   std::shared_ptr<Registration> told_;

@@ -56,6 +56,7 @@ struct Registration {
   std::optional<std::string> unregistrationError;
   helper::DaemonStatus statusAfterUnregister = helper::DaemonStatus::notRegistered;
   bool answers = true;
+  bool isToOpenSettings = false; // Which is done with the next question.
   std::vector<std::string> log;
 };
 

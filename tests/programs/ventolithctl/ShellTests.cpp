@@ -2,6 +2,7 @@
 #include "programs/ventolithctl/Fixture.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cstdio>

@@ -1,5 +1,6 @@
 // `status`: what there is of a helper, in words and as JSON.
 #include "programs/ventolithctl/RemoteFixture.h"
+#include "programs/ventolithctl/SystemAdvice.h"
 
 #include <fmt/format.h>
 
@@ -56,12 +57,9 @@ TEST_F(StatusCommand, WithoutAHelperSaysWhatToDoNext) {
       {DaemonStatus::enabled, "The helper is installed.\nIt does not run.\n"
                               "\"ventolithctl helper restart\" starts it again.\n"},
       {DaemonStatus::requiresApproval,
-       "The helper is not allowed to run.\nIt does not run.\n"
-       "An administrator has to allow it: \"ventolithctl helper install\" asks for that.\n"},
+       "The helper is not allowed to run.\nIt does not run.\n" + std::string(approvalAdvice()) + "\n"},
       {DaemonStatus::notFound,
-       "This system knows no helper.\nIt does not run.\n"
-       "Ventolith's package has to be installed first, and the system's service manager to "
-       "run.\n"},
+       "This system knows no helper.\nIt does not run.\n" + std::string(installationAdvice()) + "\n"},
   };
   link.killHelper();
   for (const Row& row : rows) {

@@ -1,11 +1,11 @@
 #include "platform/macos/desktop/IOPowerSource.h"
 
+#include "platform/macos/AutoreleasePool.h"
 #include "platform/macos/CFText.h"
+#include "platform/macos/service/Doorway.h"
 
 #include <IOKit/ps/IOPowerSources.h>
 #include <dispatch/dispatch.h>
-
-#include <boost/asio/post.hpp>
 
 #include <utility>
 
@@ -14,17 +14,19 @@ namespace ventolith::platform {
 using app::PowerSource;
 
 /// Given to the system as its callback's context. Belongs to the main thread once the source has been added
-/// to its run loop.
+/// to its run loop, but for shutting the doorway.
 struct IOPowerSource::Subscription {
-  runtime::Executor executor;
-  std::weak_ptr<const std::function<void()>> onChange;
+  Subscription(runtime::Executor executor, std::weak_ptr<const std::function<void()>> whoIsTold)
+      : doorway(std::move(executor)), onChange(std::move(whoIsTold)) {}
+
+  Doorway doorway;
+  const std::weak_ptr<const std::function<void()>> onChange;
 
   /// The system's callback.
   static void notify(void* context) {
     if (context == nullptr) return;
-    const auto& subscription = *static_cast<const Subscription*>(context);
-    if (subscription.onChange.expired()) return;
-    boost::asio::post(subscription.executor, [onChange = subscription.onChange] {
+    auto& subscription = *static_cast<Subscription*>(context);
+    subscription.doorway.post([onChange = subscription.onChange] {
       if (const auto tell = onChange.lock()) (*tell)(); // Held, since who is told may stop the provider.
     });
   }
@@ -40,7 +42,7 @@ IOPowerSource::~IOPowerSource() {
 
 void IOPowerSource::start(std::function<void()> onChange) {
   onChange_ = std::make_shared<const std::function<void()>>(std::move(onChange));
-  subscription_ = std::make_unique<Subscription>(Subscription{executor_, onChange_});
+  subscription_ = std::make_unique<Subscription>(executor_, onChange_);
   source_.reset(::IOPSNotificationCreateRunLoopSource(Subscription::notify, subscription_.get()));
   if (source_) ::CFRunLoopAddSource(::CFRunLoopGetMain(), source_.get(), kCFRunLoopDefaultMode);
 }
@@ -48,6 +50,7 @@ void IOPowerSource::start(std::function<void()> onChange) {
 void IOPowerSource::stop() {
   onChange_.reset();
   if (!source_) return;
+  subscription_->doorway.shut();
   ::CFRunLoopRemoveSource(::CFRunLoopGetMain(), source_.get(), kCFRunLoopDefaultMode);
   source_.reset();
   // The callback may be running there at this moment; what it was given goes after it.
@@ -55,6 +58,7 @@ void IOPowerSource::stop() {
 }
 
 PowerSource IOPowerSource::current() const {
+  const AutoreleasePool pool;
   const CFOwned<CFTypeRef> snapshot(::IOPSCopyPowerSourcesInfo());
   if (!snapshot) return PowerSource::unknown;
   const std::string providing = textOf(::IOPSGetProvidingPowerSourceType(snapshot.get())); // The snapshot's.

@@ -8,16 +8,22 @@
 
 namespace ventolith::platform {
 
-/// One generic password, found by its service and account. It stays on this device, is in no backup that
-/// another one could read, and can be read from the first unlock after a start on. The statuses of its
-/// failures are the keychain's own. Blocks.
+/// One generic password of the login keychain, found by its service and account, and never sent to other
+/// devices. Only this application may read it without asking the user. The statuses of failures are the
+/// keychain's own. Blocks, for as long as the user is asked where the keychain is locked.
+///
+/// The keychain of protected data is not asked for: it is closed to a program without an entitlement that
+/// names its groups, and there is none here. It would hold an item back until the first unlock after a start;
+/// the login keychain, which opens when the user logs in, does so by itself.
 class KeychainConfigurationCacheStore final : public app::ConfigurationCacheStoring {
 public:
-  /// The item's service is the identifier and ".platform".
+  /// The item's service is the identifier and ".platform". Both texts are UTF-8.
   explicit KeychainConfigurationCacheStore(const std::string& bundleIdentifier,
                                            std::string account = "platform-configuration-v1");
 
   std::optional<app::ConfigurationCacheRecord> load() override;
+  /// Of two processes that store the first record at one moment, the later one fails with the keychain's
+  /// word for an item that is there already.
   void save(const app::ConfigurationCacheRecord& record) override;
 
   /// "keychain:", the service, ":" and the account.

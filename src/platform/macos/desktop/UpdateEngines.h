@@ -21,7 +21,7 @@ struct UpdateEngineSettings {
 };
 
 /// Sparkle, which needs none of it: it reads the bundle that it updates, shows what it finds, and installs
-/// it. A build without Sparkle has no engine.
+/// it. There is no engine in a build without Sparkle, nor in a process that has no window to come.
 [[nodiscard]] app::UpdateEngineFactory systemUpdateEngines(UpdateEngineSettings settings);
 
 } // namespace ventolith::platform

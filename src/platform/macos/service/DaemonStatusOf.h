@@ -5,14 +5,26 @@
 
 namespace ventolith::platform {
 
-/// A number that is none of the four says nothing of a helper that could be talked to.
-[[nodiscard]] constexpr helper::DaemonStatus daemonStatusOf(long number) {
+/// Whether the bundle that this program is a part of holds the service's property list.
+enum class PropertyList { isBrought, isMissing };
+
+/// What macOS never had to do with it does not find, so that a service that could be registered may be
+/// "not found" until it is. A number that is none of the four says nothing of a helper that could be talked
+/// to.
+[[nodiscard]] constexpr helper::DaemonStatus daemonStatusOf(long number, PropertyList list) {
+  using Status = helper::DaemonStatus;
   switch (number) {
-  case 0: return helper::DaemonStatus::notRegistered;
-  case 1: return helper::DaemonStatus::enabled;
-  case 2: return helper::DaemonStatus::requiresApproval;
-  default: return helper::DaemonStatus::notFound;
+  case 0: return Status::notRegistered;
+  case 1: return Status::enabled;
+  case 2: return Status::requiresApproval;
+  case 3: return list == PropertyList::isBrought ? Status::notRegistered : Status::notFound;
+  default: return Status::notFound;
   }
+}
+
+/// Whether there is something that could be taken away.
+[[nodiscard]] constexpr bool isRegistered(helper::DaemonStatus status) {
+  return status == helper::DaemonStatus::enabled || status == helper::DaemonStatus::requiresApproval;
 }
 
 } // namespace ventolith::platform

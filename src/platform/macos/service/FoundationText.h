@@ -19,12 +19,6 @@ namespace ventolith::platform {
   return string == nil ? @"" : string;
 }
 
-/// Empty for nil.
-[[nodiscard]] inline std::string textOf(NSString* string) {
-  const char* const text = string.UTF8String;
-  return text == nullptr ? std::string() : std::string(text);
-}
-
 [[nodiscard]] inline NSData* dataOf(std::string_view bytes) {
   return [NSData dataWithBytes:bytes.data() length:bytes.size()];
 }
@@ -35,6 +29,11 @@ namespace ventolith::platform {
   const std::size_t length = std::min<std::size_t>(data.length, most);
   if (length == 0) return {};
   return {static_cast<const char*>(data.bytes), length};
+}
+
+/// All of it, whatever characters it has. Empty for nil.
+[[nodiscard]] inline std::string textOf(NSString* string) {
+  return bytesOf([string dataUsingEncoding:NSUTF8StringEncoding]);
 }
 
 /// What went wrong, for the user.

@@ -26,7 +26,7 @@ HelperIntake::Caller::Caller(std::weak_ptr<HelperIntake> intake, std::shared_ptr
     : intake_(std::move(intake)), doorway_(std::move(doorway)), name_(std::move(name)) {}
 
 void HelperIntake::Caller::take(HelperMessage message, PendingAnswer::Answer answer) const {
-  auto place = CallBudget::enter(budget_);
+  auto place = Budget::enter(budget_);
   const bool hasRoom = place != nullptr;
   PendingAnswer pending(std::move(answer), std::move(place));
   if (!hasRoom) return;
@@ -49,16 +49,18 @@ HelperIntake::HelperIntake(runtime::Executor executor, std::shared_ptr<PresentCa
 
 std::shared_ptr<HelperIntake::Caller> HelperIntake::admit(pid_t process, uid_t user,
                                                           std::function<void()> close) {
+  Connection connection{.close = std::move(close), .place = Budget::enter(connectionBudget_)};
+  if (connection.place == nullptr) return nullptr;
   HelperCaller name{fmt::format("connection {} of process {}", ++admissions_, process)};
-  doorway_->post([weak = weak_from_this(), name, user, close = std::move(close)]() mutable {
-    if (const auto intake = weak.lock()) intake->come(name, user, std::move(close));
+  doorway_->post([weak = weak_from_this(), name, user, connection = std::move(connection)]() mutable {
+    if (const auto intake = weak.lock()) intake->come(name, user, std::move(connection));
   });
   return std::make_shared<Caller>(weak_from_this(), doorway_, std::move(name));
 }
 
-void HelperIntake::come(const HelperCaller& caller, uid_t user, std::function<void()> close) {
+void HelperIntake::come(const HelperCaller& caller, uid_t user, Connection connection) {
   callers_->add(caller, user);
-  connections_.emplace(caller, std::move(close));
+  connections_.emplace(caller, std::move(connection));
 }
 
 void HelperIntake::begin(const HelperCaller& caller, HelperMessage message, PendingAnswer pending) {
@@ -97,9 +99,9 @@ std::size_t HelperIntake::stop() {
   watched_.clear();
   unanswered_.clear();
   const auto connections = std::exchange(connections_, {});
-  for (const auto& [caller, close] : connections) {
+  for (const auto& [caller, connection] : connections) {
     callers_->remove(caller);
-    close();
+    connection.close();
   }
   return connections.size();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "helper/link/HelperListener.h"
+#include "platform/macos/service/Budget.h"
 #include "platform/macos/service/Doorway.h"
 #include "platform/macos/service/PendingAnswer.h"
 #include "platform/macos/service/PresentCallers.h"
@@ -28,6 +29,10 @@ public:
   /// Of a plan's bytes no more than these are to be copied: the service refuses more than 1 MiB by their
   /// number.
   static constexpr std::size_t copiedBytes = (std::size_t{1} << 20) + 1;
+  /// Calls of one connection that may be under way: more than the service takes of one caller, so that it is
+  /// the service that refuses, and says so.
+  static constexpr std::size_t mostCalls = 64;
+  static constexpr std::size_t mostConnections = 64;
 
   /// One connection. Any thread; its own operations one after another, as connections bring them.
   class Caller {
@@ -43,13 +48,13 @@ public:
     std::weak_ptr<HelperIntake> intake_;
     std::shared_ptr<Doorway> doorway_;
     helper::HelperCaller name_;
-    std::shared_ptr<CallBudget> budget_ = std::make_shared<CallBudget>();
+    std::shared_ptr<Budget> budget_ = std::make_shared<Budget>(mostCalls);
   };
 
   HelperIntake(runtime::Executor executor, std::shared_ptr<PresentCallers> callers);
 
-  /// A connection that is let in; before any message of it is taken. `close` is called when the intake stops,
-  /// on the executor's thread, if the caller is still here. Any thread.
+  /// A connection that is let in; before any message of it is taken. None when too many are here. `close` is
+  /// called when the intake stops, on the executor's thread, if the caller is still here. Any thread.
   [[nodiscard]] std::shared_ptr<Caller> admit(pid_t process, uid_t user, std::function<void()> close);
 
   /// Once, before anybody is admitted. `service` outlives this object, or the call of `stop`.
@@ -62,7 +67,12 @@ public:
   std::size_t stop();
 
 private:
-  void come(const helper::HelperCaller& caller, uid_t user, std::function<void()> close);
+  struct Connection {
+    std::function<void()> close;
+    Budget::Place place;
+  };
+
+  void come(const helper::HelperCaller& caller, uid_t user, Connection connection);
   void begin(const helper::HelperCaller& caller, helper::HelperMessage message, PendingAnswer pending);
   void go(const helper::HelperCaller& caller);
   static runtime::Async<void> answer(std::weak_ptr<HelperIntake> intake, std::uint64_t number,
@@ -74,8 +84,9 @@ private:
   std::shared_ptr<Doorway> doorway_;
   std::shared_ptr<PresentCallers> callers_;
   std::atomic<std::uint64_t> admissions_ = 0;
-  helper::HelperService* service_ = nullptr;                          // None before `serve` and after `stop`.
-  std::map<helper::HelperCaller, std::function<void()>> connections_; // How each is closed.
+  std::shared_ptr<Budget> connectionBudget_ = std::make_shared<Budget>(mostConnections);
+  helper::HelperService* service_ = nullptr; // None before `serve` and after `stop`.
+  std::map<helper::HelperCaller, Connection> connections_;
   std::set<helper::HelperCaller> watched_;
   std::uint64_t calls_ = 0;
   std::map<std::uint64_t, PendingAnswer> unanswered_;

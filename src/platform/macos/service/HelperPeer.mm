@@ -15,22 +15,48 @@ namespace replies = ventolith::helper::replies;
 namespace {
 
 using Answer = platform::PendingAnswer::Answer;
+using Content = std::optional<HelperReply>;
 
 /// The reply's content, if it is of the kind that its message has.
 template <class Reply>
-const Reply* contentOf(const std::optional<HelperReply>& answer) {
+const Reply* contentOf(const Content& answer) {
   return answer ? std::get_if<Reply>(&*answer) : nullptr;
 }
 
-Answer coded(void (^reply)(std::int64_t)) {
-  return [reply](const std::optional<HelperReply>& answer) {
-    const auto* const code = contentOf<replies::Code>(answer);
-    reply(code == nullptr ? ControlResult::failed("refused").xpcCode() : code->value);
+/// Calls `reply`, by way of `give`. The executor's thread has no pool of its own for what XPC leaves behind;
+/// and a client that is none of ours may send a message without anything to reply to.
+template <class Block, class Give>
+Answer answering(Block reply, Give give) {
+  return [reply, give](const Content& answer) {
+    @autoreleasepool {
+      if (reply != nil) give(reply, answer);
+    }
   };
 }
 
+Answer coded(void (^reply)(std::int64_t)) {
+  return answering(reply, [](auto code, const Content& answer) {
+    const auto* const result = contentOf<replies::Code>(answer);
+    code(result == nullptr ? ControlResult::failed("refused").xpcCode() : result->value);
+  });
+}
+
 Answer done(void (^reply)()) {
-  return [reply](const std::optional<HelperReply>&) { reply(); };
+  return answering(reply, [](auto ended, const Content&) { ended(); });
+}
+
+Answer identified(void (^reply)(NSString*)) {
+  return answering(reply, [](auto build, const Content& answer) {
+    const auto* const version = contentOf<replies::Version>(answer);
+    build(version == nullptr ? nil : platform::nsString(version->identifier));
+  });
+}
+
+Answer told(void (^reply)(NSData*)) {
+  return answering(reply, [](auto state, const Content& answer) {
+    const auto* const its = contentOf<replies::State>(answer);
+    state(its == nullptr ? nil : platform::dataOf(its->json));
+  });
 }
 
 } // namespace
@@ -46,12 +72,7 @@ Answer done(void (^reply)()) {
 }
 
 - (void)helperVersionWithReply:(void (^)(NSString*))reply {
-  _caller->take(messages::HelperVersion(), [reply](const std::optional<HelperReply>& answer) {
-    @autoreleasepool {
-      const auto* const version = contentOf<replies::Version>(answer);
-      reply(version == nullptr ? nil : platform::nsString(version->identifier));
-    }
-  });
+  _caller->take(messages::HelperVersion(), identified(reply));
 }
 
 - (void)shutdownForUpgradeWithReply:(void (^)(void))reply {
@@ -87,12 +108,7 @@ Answer done(void (^reply)()) {
 }
 
 - (void)readStateWithReply:(void (^)(NSData*))reply {
-  _caller->take(messages::ReadState(), [reply](const std::optional<HelperReply>& answer) {
-    @autoreleasepool {
-      const auto* const state = contentOf<replies::State>(answer);
-      reply(state == nullptr ? nil : platform::dataOf(state->json));
-    }
-  });
+  _caller->take(messages::ReadState(), told(reply));
 }
 
 @end

@@ -81,7 +81,9 @@ ErrorText launchctl(const std::vector<std::string>& words, Complaints complaints
   const auto process = startLaunchctl(words, complaints);
   if (!process) return "launchctl cannot be started";
   const auto status = exitStatus(*process);
-  if (status == 0) return std::nullopt;
+  const bool isUnderWay =
+      status == EINPROGRESS && words.front() == "bootout"; // The helper takes a moment to end.
+  if (status == 0 || isUnderWay) return std::nullopt;
   return fmt::format("launchctl {} failed{}", words.front(),
                      status ? fmt::format(" with status {}", *status) : "");
 }

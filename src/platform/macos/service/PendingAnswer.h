@@ -2,7 +2,7 @@
 #pragma once
 
 #include "helper/link/HelperMessage.h"
-#include "platform/macos/service/CallBudget.h"
+#include "platform/macos/service/Budget.h"
 
 #include <functional>
 #include <optional>
@@ -16,8 +16,7 @@ public:
   /// Called with none where the message is refused. Empty for a message that nobody answers.
   using Answer = std::function<void(std::optional<helper::HelperReply>)>;
 
-  PendingAnswer(Answer answer, CallBudget::Place place)
-      : answer_(std::move(answer)), place_(std::move(place)) {}
+  PendingAnswer(Answer answer, Budget::Place place) : answer_(std::move(answer)), place_(std::move(place)) {}
   PendingAnswer(PendingAnswer&& other) noexcept
       : answer_(std::exchange(other.answer_, nullptr)), place_(std::move(other.place_)) {}
   PendingAnswer& operator=(PendingAnswer&&) = delete;
@@ -29,7 +28,7 @@ public:
 
 private:
   Answer answer_;
-  CallBudget::Place place_; // None if there was no more room.
+  Budget::Place place_; // None if there was no more room.
 };
 
 } // namespace ventolith::platform

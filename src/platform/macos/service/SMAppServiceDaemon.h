@@ -14,8 +14,10 @@ public:
   explicit SMAppServiceDaemon(runtime::Executor executor) : queue_(std::move(executor)) {}
 
   runtime::Async<helper::DaemonStatus> status() override;
+  /// A daemon that is registered stays so, and that is no error.
   runtime::Async<ErrorText> registerDaemon() override;
-  /// The helper has ended when this returns; after 30 seconds it says that the system does not answer.
+  /// The helper has ended when this returns; after 40 seconds it says that the system does not answer. That
+  /// there was none is no error.
   runtime::Async<ErrorText> unregisterDaemon() override;
   /// The settings' page of login items.
   void openSystemSettings() override;

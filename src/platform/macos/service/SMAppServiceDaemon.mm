@@ -15,15 +15,34 @@ using ErrorText = helper::DaemonService::ErrorText;
 
 namespace {
 
-constexpr std::int64_t longestAnswer = 30 * std::int64_t{NSEC_PER_SEC};
+/// Longer than launchd lets the helper take to give the fans back.
+constexpr std::int64_t longestAnswer = 40 * std::int64_t{NSEC_PER_SEC};
+
+constexpr NSInteger alreadyRegistered = 12; // kSMErrorAlreadyRegistered, in headers since macOS 13.
+
+NSString* const propertyListName = @"com.ventolith.helper.plist";
 
 SMAppService* daemon() {
-  return [SMAppService daemonServiceWithPlistName:@"com.ventolith.helper.plist"];
+  return [SMAppService daemonServiceWithPlistName:propertyListName];
+}
+
+PropertyList propertyList() {
+  NSURL* const folder =
+      [NSBundle.mainBundle.bundleURL URLByAppendingPathComponent:@"Contents/Library/LaunchDaemons"
+                                                     isDirectory:YES];
+  NSURL* const file = [folder URLByAppendingPathComponent:propertyListName isDirectory:NO];
+  return [file checkResourceIsReachableAndReturnError:nil] ? PropertyList::isBrought
+                                                           : PropertyList::isMissing;
+}
+
+DaemonStatus statusNow() {
+  return daemonStatusOf(daemon().status, propertyList());
 }
 
 ErrorText registerNow() {
   NSError* error = nil;
   if ([daemon() registerAndReturnError:&error]) return std::nullopt;
+  if (error.code == alreadyRegistered && statusNow() == DaemonStatus::enabled) return std::nullopt;
   return textOf(error);
 }
 
@@ -37,13 +56,14 @@ ErrorText unregisterNow() {
   }];
   if (dispatch_semaphore_wait(answered, dispatch_time(DISPATCH_TIME_NOW, longestAnswer)) != 0)
     return "macOS does not say whether it has removed the helper";
-  return failure == nil ? std::nullopt : ErrorText(textOf(failure));
+  if (failure == nil || !isRegistered(statusNow())) return std::nullopt;
+  return textOf(failure);
 }
 
 } // namespace
 
 runtime::Async<DaemonStatus> SMAppServiceDaemon::status() {
-  return queue_.run([] { return daemonStatusOf(daemon().status); });
+  return queue_.run(statusNow);
 }
 
 runtime::Async<ErrorText> SMAppServiceDaemon::registerDaemon() {

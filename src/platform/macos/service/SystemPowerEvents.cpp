@@ -9,12 +9,19 @@
 #include <IOKit/pwr_mgt/IOPMLib.h>
 #include <dispatch/dispatch.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <memory>
 #include <utility>
 
 namespace ventolith::platform {
 
 namespace {
+
+/// Well beyond what giving the fans back may take, and well before the system itself waits no longer: a
+/// helper that hangs is no reason to keep a closed Mac awake for half a minute.
+constexpr std::chrono::seconds longestDelay(10);
 
 /// The connection over which power changes are allowed; open for as long as somebody may still have to.
 class RootPort {
@@ -30,9 +37,39 @@ private:
   io_connect_t port_;
 };
 
-/// Allows the change when its last copy goes: when it was handled, or nobody handles it any more.
-SleepNotices::Delay delayOf(const std::shared_ptr<const RootPort>& root, std::intptr_t change) {
-  return {root.get(), [root, change](const void*) { root->allow(change); }};
+/// The answer to one notice of sleep, given once: at its end, if not before. Any thread.
+class Answer {
+public:
+  Answer(std::shared_ptr<const RootPort> root, std::intptr_t change)
+      : root_(std::move(root)), change_(change) {}
+  Answer(const Answer&) = delete;
+  Answer& operator=(const Answer&) = delete;
+  ~Answer() { give(); }
+
+  /// False if it has been given already.
+  bool give() {
+    if (isGiven_.exchange(true)) return false;
+    root_->allow(change_);
+    return true;
+  }
+
+private:
+  const std::shared_ptr<const RootPort> root_;
+  const std::intptr_t change_;
+  std::atomic_bool isGiven_ = false;
+};
+
+/// Gives `answer` on `queue` if nobody has given it by then.
+void giveInTime(dispatch_queue_t queue, const std::shared_ptr<Answer>& answer) {
+  const auto give = [](void* context) {
+    const std::unique_ptr<std::weak_ptr<Answer>> late(static_cast<std::weak_ptr<Answer>*>(context));
+    const auto present = late->lock();
+    if (present && present->give())
+      sayOnStandardError(
+          "[SystemPowerEvents] the machine goes to sleep without waiting for the fans any more");
+  };
+  ::dispatch_after_f(::dispatch_time(DISPATCH_TIME_NOW, std::chrono::nanoseconds(longestDelay).count()),
+                     queue, std::make_unique<std::weak_ptr<Answer>>(answer).release(), give);
 }
 
 } // namespace
@@ -54,6 +91,7 @@ public:
 private:
   void begin();
   void take(natural_t notice, void* argument);
+  void takeWillSleep(std::intptr_t change);
   template <class Tell>
   void post(Tell tell);
 
@@ -100,14 +138,16 @@ void SystemPowerEvents::Registration::take(natural_t notice, void* argument) {
   const auto change = reinterpret_cast<std::intptr_t>(argument);
   switch (notice) {
   case kIOMessageCanSystemSleep: root_->allow(change); break;
-  case kIOMessageSystemWillSleep:
-    post([delay = delayOf(root_, change)](SleepNotices& notices) mutable {
-      notices.sleepBegins(std::move(delay));
-    });
-    break;
+  case kIOMessageSystemWillSleep: takeWillSleep(change); break;
   case kIOMessageSystemHasPoweredOn: post([](SleepNotices& notices) { notices.sleepEnded(); }); break;
   default: break;
   }
+}
+
+void SystemPowerEvents::Registration::takeWillSleep(std::intptr_t change) {
+  auto answer = std::make_shared<Answer>(root_, change);
+  giveInTime(queue_, answer);
+  post([delay = std::move(answer)](SleepNotices& notices) mutable { notices.sleepBegins(std::move(delay)); });
 }
 
 SystemPowerEvents::SystemPowerEvents(runtime::Executor executor) : executor_(std::move(executor)) {}

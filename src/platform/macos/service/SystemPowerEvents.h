@@ -7,9 +7,10 @@
 
 namespace ventolith::platform {
 
-/// The machine waits with its sleep, for half a minute at most, until `willSleep` has ended, and is told so
-/// once, also where that fails or never began. Whether it may sleep at all is not for this process to say.
-/// The notices come on a thread of the system's, and do nothing there but post.
+/// The machine waits with its sleep until `willSleep` has ended, and is told so once, also where that fails
+/// or never began; after ten seconds it is told so even if the executor's thread hangs. Whether it may sleep
+/// at all is not for this process to say. The notices come on a thread of the system's, and do nothing there
+/// but post. A wake-up in the dark, in which nobody uses the machine, is none: the system tells of none.
 ///
 /// Belongs to the thread of `executor`, where the handlers run, one at a time, in the order of the notices.
 class SystemPowerEvents final : public helper::SleepEvents {

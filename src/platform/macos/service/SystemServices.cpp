@@ -65,7 +65,7 @@ std::unique_ptr<helper::SleepEvents> SystemServices::sleepEvents() {
 }
 
 std::unique_ptr<helper::ServiceSupervisor> SystemServices::supervisor() {
-  return std::make_unique<LaunchdSupervisor>();
+  return std::make_unique<LaunchdSupervisor>(parts_->service.domain);
 }
 
 std::unique_ptr<helper::DaemonService> SystemServices::daemonService() {

@@ -13,7 +13,8 @@ namespace ventolith::platform {
 /// Belongs to the thread of `executor`, which calls the handlers. Replies, failures and the ends of the
 /// connection come on XPC's threads, and do nothing there but post.
 ///
-/// XPC itself ends a call to a helper that dies, and starts a helper that is registered and does not run.
+/// XPC itself ends a call to a helper that dies. Any message starts a helper that is registered and does not
+/// run, a heartbeat included; one that was removed is not known by its name any more, and stays removed.
 class XPCHelperChannel final : public helper::HelperChannel {
 public:
   XPCHelperChannel(runtime::Executor executor, MachService service);

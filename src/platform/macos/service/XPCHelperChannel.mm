@@ -59,6 +59,9 @@ Proxy* helperBehind(id proxy) {
   return [proxy conformsToProtocol:@protocol(FanHelperProtocol)] ? proxy : nil;
 }
 
+// What every helper's application has asked for.
+static_assert(NSXPCConnectionPrivileged == 4096);
+
 NSXPCConnection* connectionTo(const MachService& service) {
   const bool isPrivileged = service.domain == MachService::Domain::system;
   const NSXPCConnectionOptions none = 0;

@@ -46,6 +46,7 @@ using ventolith::platform::HelperIntake;
   const uid_t user = connection.effectiveUserIdentifier;
   if (_isForOwnUser && user != ::geteuid()) return NO;
   const auto caller = _intake->admit(connection.processIdentifier, user, [self closerOf:connection]);
+  if (caller == nullptr) return NO;
   connection.exportedInterface = [NSXPCInterface interfaceWithProtocol:@protocol(FanHelperProtocol)];
   connection.exportedObject = [[VentolithHelperPeer alloc] initWithCaller:caller];
   void (^const gone)() = ^{
@@ -118,10 +119,10 @@ void XPCHelperListener::resume(helper::HelperService& service, std::function<voi
 }
 
 void XPCHelperListener::invalidate() {
-  const std::size_t closing = intake_->stop();
-  const auto ear = std::exchange(ear_, nullptr);
-  if (!ear) return;
   @autoreleasepool {
+    const std::size_t closing = intake_->stop();
+    const auto ear = std::exchange(ear_, nullptr);
+    if (!ear) return;
     [ear->listener invalidate];
     const dispatch_time_t latest = dispatch_time(DISPATCH_TIME_NOW, longestClosing);
     for (std::size_t connection = 0; connection < closing; ++connection)

@@ -11,4 +11,8 @@ bool hasDisplay(const Environment& environment) {
                      [&](const char* variable) { return !environment(variable).value_or("").empty(); });
 }
 
+bool givesOwnIcon() {
+  return true;
+}
+
 } // namespace ventolith::programs

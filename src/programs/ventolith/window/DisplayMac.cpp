@@ -12,4 +12,10 @@ bool hasDisplay(const Environment& environment) {
   return platform::CFOwned<CFDictionaryRef>(CGSessionCopyCurrentDictionary()) != nullptr;
 }
 
+/// Given to the Dock it would stand in for the bundle's, which the system draws in the manner of its icons.
+bool givesOwnIcon() {
+  const CFBundleRef bundle = ::CFBundleGetMainBundle();
+  return bundle == nullptr || ::CFBundleGetIdentifier(bundle) == nullptr;
+}
+
 } // namespace ventolith::programs

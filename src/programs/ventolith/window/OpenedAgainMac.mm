@@ -18,6 +18,10 @@
   self = [super init];
   if (self == nil) return nil;
   opened_ = std::move(opened);
+  if (NSRunningApplication.currentApplication.finishedLaunching) {
+    [self takeEvent];
+    return self;
+  }
   [NSNotificationCenter.defaultCenter addObserver:self
                                          selector:@selector(launched:)
                                              name:NSApplicationDidFinishLaunchingNotification
@@ -26,6 +30,10 @@
 }
 
 - (void)launched:(NSNotification*)notification {
+  [self takeEvent];
+}
+
+- (void)takeEvent {
   [NSAppleEventManager.sharedAppleEventManager setEventHandler:self
                                                    andSelector:@selector(reopen:reply:)
                                                  forEventClass:kCoreEventClass

@@ -145,7 +145,7 @@ void runWindow(int argumentCount, char** arguments, const Environment& environme
   QApplication qt(argumentCount, arguments);
   QApplication::setApplicationName(QStringLiteral("Ventolith"));
   QApplication::setDesktopFileName(QStringLiteral("com.ventolith.app")); // By which a desktop finds its icon.
-  QApplication::setWindowIcon(QIcon(QStringLiteral(":/ventolith/ventolith.svg")));
+  if (givesOwnIcon()) QApplication::setWindowIcon(QIcon(QStringLiteral(":/ventolith/ventolith.svg")));
   QApplication::setQuitOnLastWindowClosed(false);
   ui::applyRequestedFont();
   SingleInstance instance(instanceAddress(environment("VENTOLITH_BUS")));

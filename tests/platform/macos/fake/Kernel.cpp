@@ -46,7 +46,8 @@ int change(int queue, const struct kevent& change) {
     Kernel::get().changes.push_back(change);
     if (!Kernel::get().takesTimers && (change.flags & EV_ADD) != 0) return refuse(ENOMEM);
   }
-  if (change.filter != EVFILT_TIMER || change.fflags != awakeOrAsleep) return refuse(EINVAL);
+  if (change.filter != EVFILT_TIMER || (change.fflags & ~NOTE_CRITICAL) != awakeOrAsleep)
+    return refuse(EINVAL);
   if (Kernel::isThere() && Kernel::get().continuousTicks) return 0; // While time stands still, none runs out.
   itimerspec when{};
   if (change.flags == (EV_ADD | EV_ONESHOT)) {

@@ -24,12 +24,47 @@ void MainThread::notifyAllThatEverWere() {
     source.callback(source.context);
 }
 
+void MainThread::enqueue(void* context, dispatch_function_t work) {
+  const std::lock_guard held(mutex_);
+  queue_.emplace_back(context, work);
+  queued_.notify_one();
+}
+
+MainThread::Work MainThread::takeWork() {
+  std::unique_lock held(mutex_);
+  queued_.wait(held, [&] { return !queue_.empty(); });
+  const Work work = queue_.front();
+  queue_.pop_front();
+  return work;
+}
+
 void MainThread::runQueue() {
-  for (const auto& [context, work] : std::exchange(queue_, {}))
+  std::deque<Work> queue;
+  {
+    const std::lock_guard held(mutex_);
+    queue.swap(queue_);
+  }
+  for (const auto& [context, work] : queue)
     work(context);
 }
 
+void MainThread::runLoop() {
+  if (std::this_thread::get_id() != thread_) Objects::get().complain("another thread's loop was run");
+  isLoopRunning_ = true;
+  while (isLoopRunning_) {
+    const auto [context, work] = takeWork();
+    work(context);
+  }
+}
+
+// A loop that does not run hears nothing of it.
+void MainThread::stopLoop() {
+  if (!isLoopRunning_) Objects::get().complain("a loop was stopped that does not run");
+  isLoopRunning_ = false;
+}
+
 CFTypeRef MainThread::copySnapshot() {
+  if (!Objects::get().hasPool()) Objects::get().complain("the power sources were asked for without a pool");
   if (!givesSnapshot) return nullptr;
   Object& snapshot = Objects::get().make({.type = "snapshot"});
   if (providing) snapshot.parts.push_back(&Objects::get().makeString(*providing));
@@ -77,6 +112,15 @@ extern "C" {
 
 CFRunLoopRef CFRunLoopGetMain() {
   return ventolith::fake::mainLoop.as<CFRunLoopRef>();
+}
+
+void CFRunLoopRun() {
+  MainThread::get().runLoop();
+}
+
+void CFRunLoopStop(CFRunLoopRef loop) {
+  if (loop != CFRunLoopGetMain()) Objects::get().complain("CFRunLoopStop was given another loop");
+  MainThread::get().stopLoop();
 }
 
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {

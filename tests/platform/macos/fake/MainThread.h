@@ -8,8 +8,12 @@
 #include <IOKit/ps/IOPowerSources.h>
 #include <dispatch/dispatch.h>
 
+#include <condition_variable>
+#include <deque>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -38,7 +42,9 @@ public:
   CFRunLoopSourceRef createSource(IOPowerSourceCallbackType callback, void* context);
   void add(Object& source, const Object& mode);
   void remove(Object& source, const Object& mode);
-  void enqueue(void* context, dispatch_function_t work) { queue_.emplace_back(context, work); }
+  void enqueue(void* context, dispatch_function_t work); // Any thread.
+  void runLoop();
+  void stopLoop();
 
 private:
   struct Source {
@@ -47,11 +53,18 @@ private:
     void* context;
   };
 
+  using Work = std::pair<void*, dispatch_function_t>;
+
   [[nodiscard]] bool isDefault(const Object& mode);
+  [[nodiscard]] Work takeWork();
 
   std::vector<Source> sources_; // All that were created.
   std::vector<Object*> inLoop_;
-  std::vector<std::pair<void*, dispatch_function_t>> queue_;
+  bool isLoopRunning_ = false;
+  const std::thread::id thread_ = std::this_thread::get_id();
+  std::mutex mutex_; // Of the queue.
+  std::condition_variable queued_;
+  std::deque<Work> queue_;
 };
 
 } // namespace ventolith::fake

@@ -1,5 +1,7 @@
 #include "Objects.h"
 
+#include "platform/macos/AutoreleasePool.h"
+
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -34,6 +36,11 @@ Object* Objects::alive(CFTypeRef reference, const char* function, const char* ty
   return object;
 }
 
+void Objects::popPool(const void* pool) {
+  if (pools_.empty() || &pools_.back() != pool) return complain("a pool went that is not the innermost");
+  pools_.pop_back();
+}
+
 std::vector<std::string> Objects::held() const {
   std::vector<std::string> types;
   for (const Object& object : objects_)
@@ -44,6 +51,7 @@ std::vector<std::string> Objects::held() const {
 namespace {
 
 constexpr CFTypeID stringType = 7;
+constexpr CFTypeID dataType = 20;
 constexpr CFTypeID anyOtherType = 1;
 
 std::vector<Object*> keysAndValues(const void** keys, const void** values, CFIndex count) {
@@ -65,6 +73,14 @@ using ventolith::fake::Objects;
 
 extern "C" {
 
+void* objc_autoreleasePoolPush() {
+  return Objects::get().pushPool();
+}
+
+void objc_autoreleasePoolPop(void* pool) {
+  Objects::get().popPool(pool);
+}
+
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks{.retains = true};
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks{.retains = true};
@@ -81,12 +97,17 @@ void CFRelease(CFTypeRef reference) {
 
 CFTypeID CFGetTypeID(CFTypeRef reference) {
   const Object* const object = Objects::get().alive(reference, "CFGetTypeID");
-  return object != nullptr && object->type == "string" ? ventolith::fake::stringType
-                                                       : ventolith::fake::anyOtherType;
+  if (object != nullptr && object->type == "string") return ventolith::fake::stringType;
+  if (object != nullptr && object->type == "data") return ventolith::fake::dataType;
+  return ventolith::fake::anyOtherType;
 }
 
 CFTypeID CFStringGetTypeID() {
   return ventolith::fake::stringType;
+}
+
+CFTypeID CFDataGetTypeID() {
+  return ventolith::fake::dataType;
 }
 
 CFStringRef FakeConstantString(const char* text) {

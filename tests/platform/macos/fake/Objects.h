@@ -5,6 +5,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -42,6 +43,10 @@ public:
   /// What is behind a reference, or a complaint that `function` was given it.
   [[nodiscard]] Object* alive(CFTypeRef reference, const char* function, const char* type = nullptr);
 
+  void* pushPool() { return &pools_.emplace_back(pools_.size()); }
+  void popPool(const void* pool);
+  [[nodiscard]] bool hasPool() const { return !pools_.empty(); }
+
   void complain(std::string complaint) { complaints_.push_back(std::move(complaint)); }
   [[nodiscard]] const std::vector<std::string>& complaints() const { return complaints_; }
   /// The types of the objects that somebody still holds.
@@ -49,6 +54,7 @@ public:
 
 private:
   std::deque<Object> objects_;
+  std::deque<std::size_t> pools_; // Those of autoreleased objects, the innermost last.
   std::vector<std::string> complaints_;
 };
 

@@ -17,22 +17,31 @@ Objects& objects() {
   return Objects::get();
 }
 
+/// Whatever the hub is asked for may leave objects behind.
+void requirePool(const char* function) {
+  if (!objects().hasPool()) objects().complain(std::string(function) + " was called without a pool");
+}
+
 CFTypeRef clientCreate(CFAllocatorRef) {
+  requirePool("ClientCreate");
   return hub().createClient();
 }
 
 void clientSetMatching(CFTypeRef client, CFDictionaryRef matching) {
+  requirePool("SetMatching");
   Object* const itself = objects().alive(client, "SetMatching", "client");
   Object* const what = objects().alive(matching, "SetMatching", "dictionary");
   if (itself != nullptr && what != nullptr) hub().setMatching(*itself, *what);
 }
 
 CFArrayRef clientCopyServices(CFTypeRef client) {
+  requirePool("CopyServices");
   Object* const itself = objects().alive(client, "CopyServices", "client");
   return itself == nullptr ? nullptr : hub().copyServices(*itself);
 }
 
 CFTypeRef serviceCopyProperty(CFTypeRef service, CFStringRef key) {
+  requirePool("CopyProperty");
   Object* const itself = objects().alive(service, "CopyProperty", "service");
   Object* const name = objects().alive(key, "CopyProperty", "string");
   return itself == nullptr || name == nullptr ? nullptr : hub().copyProperty(*itself, *name);
@@ -40,11 +49,13 @@ CFTypeRef serviceCopyProperty(CFTypeRef service, CFStringRef key) {
 
 CFTypeRef serviceCopyEvent(CFTypeRef service, std::int64_t type, std::int32_t options,
                            std::int64_t timeStamp) {
+  requirePool("CopyEvent");
   Object* const itself = objects().alive(service, "CopyEvent", "service");
   return itself == nullptr ? nullptr : hub().copyEvent(*itself, type, options, timeStamp);
 }
 
 double eventGetFloatValue(CFTypeRef event, std::uint32_t field) {
+  requirePool("GetFloatValue");
   Object* const itself = objects().alive(event, "GetFloatValue", "event");
   return itself == nullptr ? 0 : hub().floatOf(*itself, field);
 }

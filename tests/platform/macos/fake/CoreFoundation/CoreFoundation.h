@@ -4,8 +4,11 @@
 #include <cstdint>
 
 using CFTypeRef = const void*;
+using CFPropertyListRef = CFTypeRef;
 using CFAllocatorRef = const struct FakeCFAllocator*;
 using CFStringRef = const struct FakeCFString*;
+using CFDataRef = const struct FakeCFData*;
+using CFBooleanRef = const struct FakeCFBoolean*;
 using CFNumberRef = const struct FakeCFNumber*;
 using CFArrayRef = const struct FakeCFArray*;
 using CFDictionaryRef = const struct FakeCFDictionary*;
@@ -15,6 +18,8 @@ using CFRunLoopSourceRef = struct FakeCFRunLoopSource*;
 using CFRunLoopMode = CFStringRef;
 
 using Boolean = unsigned char;
+using UInt8 = unsigned char;
+using OSStatus = std::int32_t;
 using CFIndex = long;
 using CFTypeID = unsigned long;
 using CFNumberType = CFIndex;
@@ -36,6 +41,9 @@ extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 extern const CFRunLoopMode kCFRunLoopDefaultMode;
+extern const CFStringRef kCFPreferencesCurrentApplication;
+extern const CFBooleanRef kCFBooleanTrue;
+extern const CFBooleanRef kCFBooleanFalse;
 
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
@@ -47,16 +55,35 @@ CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize, CFStringEncoding encoding);
 
+CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex count,
+                                    CFStringEncoding encoding, Boolean isExternal);
+
+CFTypeID CFDataGetTypeID();
+CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
+CFIndex CFDataGetLength(CFDataRef data);
+const UInt8* CFDataGetBytePtr(CFDataRef data);
+
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
                                    CFIndex count, const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks);
 
+CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
+                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
+                                                 const CFDictionaryValueCallBacks* valueCallBacks);
+void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
+
 CFIndex CFArrayGetCount(CFArrayRef array);
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
+Boolean CFPreferencesGetAppBooleanValue(CFStringRef key, CFStringRef application, Boolean* isValid);
+void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef application);
+Boolean CFPreferencesAppSynchronize(CFStringRef application);
+
 CFRunLoopRef CFRunLoopGetMain();
+void CFRunLoopRun();
+void CFRunLoopStop(CFRunLoopRef loop);
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode);
 void CFRunLoopRemoveSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode);
 }

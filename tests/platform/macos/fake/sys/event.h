@@ -18,6 +18,7 @@ inline constexpr std::uint16_t EV_ADD = 0x0001;
 inline constexpr std::uint16_t EV_DELETE = 0x0002;
 inline constexpr std::uint16_t EV_ONESHOT = 0x0010;
 inline constexpr std::uint32_t NOTE_ABSOLUTE = 0x00000008;
+inline constexpr std::uint32_t NOTE_CRITICAL = 0x00000020;
 inline constexpr std::uint32_t NOTE_MACH_CONTINUOUS_TIME = 0x00000080;
 inline constexpr std::uint32_t NOTE_MACHTIME = 0x00000100;
 

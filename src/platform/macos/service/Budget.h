@@ -1,4 +1,4 @@
-// How many calls of one connection may be under way.
+// How much of something may be under way.
 #pragma once
 
 #include <atomic>
@@ -9,17 +9,16 @@ namespace ventolith::platform {
 
 /// Messages come on threads of the system, faster than the engine's thread may take them: without a bound
 /// here a client that floods the helper would fill its memory. Any thread.
-class CallBudget {
+class Budget {
 public:
-  /// More than the service takes of one caller, so that it is the service that refuses, and says so.
-  static constexpr std::size_t most = 64;
+  explicit Budget(std::size_t most) : most_(most) {}
 
   /// Taken until it goes; null is none.
   using Place = std::shared_ptr<void>;
 
-  /// None when `most` are taken.
-  [[nodiscard]] static Place enter(const std::shared_ptr<CallBudget>& budget) {
-    if (budget->taken_.fetch_add(1) >= most) {
+  /// None when all are taken.
+  [[nodiscard]] static Place enter(const std::shared_ptr<Budget>& budget) {
+    if (budget->taken_.fetch_add(1) >= budget->most_) {
       budget->taken_.fetch_sub(1);
       return nullptr;
     }
@@ -27,6 +26,7 @@ public:
   }
 
 private:
+  const std::size_t most_;
   std::atomic<std::size_t> taken_ = 0;
 };
 

@@ -1,4 +1,4 @@
-#include "app/UserSettings.h"
+#include "app/FileUserSettings.h"
 
 namespace ventolith::app {
 
@@ -7,24 +7,23 @@ using core::JSON;
 namespace {
 
 constexpr const char* settingsFile = "settings.json";
-constexpr const char* openedKey = "com.ventolith.hasOpenedOnFirstLaunch";
 
 } // namespace
 
-bool UserSettings::hasOpenedOnFirstLaunch() const {
+bool FileUserSettings::hasOpenedOnFirstLaunch() const {
   const JSON settings = load();
   const auto found = settings.find(openedKey);
   return found != settings.end() && found->is_boolean() && found->get<bool>();
 }
 
-void UserSettings::setHasOpenedOnFirstLaunch(bool hasOpened) const {
+void FileUserSettings::setHasOpenedOnFirstLaunch(bool hasOpened) {
   JSON settings = load();
   settings[openedKey] = hasOpened;
   files_.write(settingsFile, settings);
 }
 
 /// An object, whatever stands in the file.
-JSON UserSettings::load() const {
+JSON FileUserSettings::load() const {
   const auto settings = files_.read(settingsFile);
   return settings && settings->is_object() ? *settings : JSON::object();
 }
