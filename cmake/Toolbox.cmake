@@ -35,8 +35,10 @@ if(VENTOLITH_SANITIZERS)
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   target_compile_options(ventolith_flags INTERFACE -ffunction-sections -fdata-sections)
-  if(NOT VENTOLITH_SYSTEM STREQUAL "macos")
-    # A resident tool: unused code is dropped.
+  # A resident tool: unused code is dropped.
+  if(VENTOLITH_SYSTEM STREQUAL "macos")
+    target_link_options(ventolith_flags INTERFACE -Wl,-dead_strip)
+  else()
     target_link_options(ventolith_flags INTERFACE -Wl,--gc-sections)
   endif()
 endif()

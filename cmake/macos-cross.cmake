@@ -1,5 +1,5 @@
 # Compiles and links for a Mac on another computer: cmake --preset macos-cross -DMACOS_SDK=PATH. It proves that the
-# Mac's sources compile, warnings as errors, and that the programs link; nothing of it is meant to be shipped.
+# Mac's sources compile, warnings as errors, and that programs and tests link; nothing of it is meant to be shipped.
 #
 # PATH is a copy of Apple's SDK for macOS 13 or later. The libraries' headers are this computer's own, since they
 # are the same on every system; what they leave to a library is linked against a stub that names its functions.

@@ -101,7 +101,7 @@ struct Launch {
   for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGALRM})
     ::signal(number, SIG_DFL);
   sigset_t none{};
-  ::sigemptyset(&none);
+  sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
   ::alarm(longestLifeSeconds);
   ::dup2(launch.in, STDIN_FILENO);

@@ -7,7 +7,7 @@
 #include "platform/system/desktop/SystemUserSettings.h"
 #include "platform/system/desktop/UpdateEngines.h"
 #include "platform/system/service/ErrorLine.h"
-#include "programs/ventolith/Pace.h"
+#include "programs/ventolith/FullSpeed.h"
 
 #include <cstdio>
 #include <optional>
@@ -54,7 +54,7 @@ Application::Application(const Executors& executors, const Environment& environm
       bundle_(platform::InstalledBundle::ofProgram(files_)),
       lifecycle_(platform::systemUserSettings(files_)),
       model_(app::AppModel::make(dependencies(executors, environment))) {
-  keepPace();
+  keepFullSpeed();
   if (bundle_.complaint()) platform::sayOnStandardError("ventolith: " + *bundle_.complaint());
 }
 

@@ -27,8 +27,8 @@ struct Registered {
   bool hasFailed = false; // Said why on standard error.
 };
 
-/// Where the helper is allowed. They are open when a question that is asked afterwards is answered: this
-/// process ends, and would take the request along.
+/// Opens the settings where the helper is allowed, and waits for one more answer of the system's: that comes
+/// after they have opened, and what was only asked for would be lost with this process.
 Async<void> openSettings(Manager manager) {
   manager->openSystemSettings();
   co_await manager->refreshStatus();
@@ -43,9 +43,10 @@ Async<Registered> changed(runtime::Executor executor, std::unique_ptr<helper::Da
     tryToWrite(context, text);
   };
   const Manager manager = co_await HelperManager::make(std::move(executor), std::move(service), print);
-  if (change != nullptr) co_await ((*manager).*change)();
-  if (change != nullptr && manager->status() == DaemonStatus::requiresApproval)
-    co_await openSettings(manager);
+  if (change != nullptr) {
+    co_await ((*manager).*change)();
+    if (manager->status() == DaemonStatus::requiresApproval) co_await openSettings(manager);
+  }
   co_return Registered{.manager = manager, .hasFailed = *hasFailed};
 }
 

@@ -131,7 +131,8 @@ TEST_F(IOPowerSourceTest, NothingIsToldAfterAStopWhileTheMainThreadNotifies) {
     for (int time = 0; time < 1000; ++time)
       main_.notifyAllThatEverWere();
   });
-  runEngine();
+  while (told_ == 0)
+    runEngine();
   provider_.reset();
   const int toldBefore = told_;
   mainThread.join();

@@ -48,6 +48,16 @@ TEST_F(LaunchdSupervisorTest, HelperThatHoldsNothingIsNotWatched) {
   EXPECT_TRUE(timer_.isThere());
 }
 
+TEST_F(LaunchdSupervisorTest, SignOfLifeBeginsNoWatch) {
+  supervisor_->alive();
+  timer_.pass(1h);
+  supervisor_->setWatched(true);
+  supervisor_->setWatched(false);
+  supervisor_->alive();
+  timer_.pass(1h);
+  EXPECT_TRUE(timer_.isThere());
+}
+
 TEST_F(LaunchdSupervisorTest, NothingIsEndedAfterItHasGone) {
   supervisor_->setWatched(true);
   supervisor_.reset();

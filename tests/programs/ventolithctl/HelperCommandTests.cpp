@@ -137,11 +137,6 @@ TEST_F(HelperCommand, StatusShowsTheRegistrationAndAsksNoHelper) {
   EXPECT_EQ(link.channelsMade(), 0U);
 }
 
-TEST(SystemAdvice, SaysWhatToCallAndWhatToInstall) {
-  EXPECT_NE(approvalAdvice().find("\"ventolithctl helper install\""), std::string_view::npos);
-  EXPECT_NE(installationAdvice().find("Ventolith"), std::string_view::npos);
-}
-
 TEST_F(HelperCommand, AloneIsAskedForMore) {
   EXPECT_EQ(run({"helper"}), ExitStatus::invalid);
   EXPECT_EQ(run({"helper", "dance"}), ExitStatus::invalid);

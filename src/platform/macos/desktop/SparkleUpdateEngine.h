@@ -1,4 +1,4 @@
-// The update engine of the platform's custom: the framework Sparkle, which the bundle brings along.
+// The update engine that is customary on a Mac: the framework Sparkle, which the bundle brings along.
 #pragma once
 
 #include "app/UpdateEngine.h"

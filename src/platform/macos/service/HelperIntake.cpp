@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <optional>
 #include <utility>
+#include <variant>
 
 namespace ventolith::platform {
 

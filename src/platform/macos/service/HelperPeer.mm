@@ -3,7 +3,10 @@
 #include "core/ControlContract.h"
 #include "platform/macos/service/FoundationText.h"
 
+#include <cstdint>
+#include <optional>
 #include <utility>
+#include <variant>
 
 using ventolith::core::ControlResult;
 using ventolith::helper::HelperReply;
@@ -23,8 +26,8 @@ const Reply* contentOf(const Content& answer) {
   return answer ? std::get_if<Reply>(&*answer) : nullptr;
 }
 
-/// Calls `reply`, by way of `give`. The executor's thread has no pool of its own for what XPC leaves behind;
-/// and a client that is none of ours may send a message without anything to reply to.
+/// Has `give` call `reply` with the answer. The executor's thread has no pool of its own for what XPC leaves
+/// behind; and a client that is none of ours may send a message without anything to reply to.
 template <class Block, class Give>
 Answer answering(Block reply, Give give) {
   return [reply, give](const Content& answer) {
@@ -35,80 +38,80 @@ Answer answering(Block reply, Give give) {
 }
 
 Answer coded(void (^reply)(std::int64_t)) {
-  return answering(reply, [](auto code, const Content& answer) {
-    const auto* const result = contentOf<replies::Code>(answer);
-    code(result == nullptr ? ControlResult::failed("refused").xpcCode() : result->value);
+  return answering(reply, [](auto send, const Content& answer) {
+    const auto* const code = contentOf<replies::Code>(answer);
+    send(code == nullptr ? ControlResult::failed("refused").xpcCode() : code->value);
   });
 }
 
 Answer done(void (^reply)()) {
-  return answering(reply, [](auto ended, const Content&) { ended(); });
+  return answering(reply, [](auto send, const Content&) { send(); });
 }
 
 Answer identified(void (^reply)(NSString*)) {
-  return answering(reply, [](auto build, const Content& answer) {
+  return answering(reply, [](auto send, const Content& answer) {
     const auto* const version = contentOf<replies::Version>(answer);
-    build(version == nullptr ? nil : platform::nsString(version->identifier));
+    send(version == nullptr ? nil : platform::nsString(version->identifier));
   });
 }
 
 Answer told(void (^reply)(NSData*)) {
-  return answering(reply, [](auto state, const Content& answer) {
-    const auto* const its = contentOf<replies::State>(answer);
-    state(its == nullptr ? nil : platform::dataOf(its->json));
+  return answering(reply, [](auto send, const Content& answer) {
+    const auto* const state = contentOf<replies::State>(answer);
+    send(state == nullptr ? nil : platform::dataOf(state->json));
   });
 }
 
 } // namespace
 
 @implementation VentolithHelperPeer {
-  std::shared_ptr<HelperIntake::Caller> _caller;
+  std::shared_ptr<HelperIntake::Caller> caller_;
 }
 
 - (instancetype)initWithCaller:(std::shared_ptr<HelperIntake::Caller>)caller {
   self = [super init];
-  if (self) _caller = std::move(caller);
+  if (self) caller_ = std::move(caller);
   return self;
 }
 
 - (void)helperVersionWithReply:(void (^)(NSString*))reply {
-  _caller->take(messages::HelperVersion(), identified(reply));
+  caller_->take(messages::HelperVersion(), identified(reply));
 }
 
 - (void)shutdownForUpgradeWithReply:(void (^)(void))reply {
-  _caller->take(messages::ShutdownForUpgrade(), done(reply));
+  caller_->take(messages::ShutdownForUpgrade(), done(reply));
 }
 
 - (void)setManualRPMWithFan:(std::int64_t)fan rpm:(std::int64_t)rpm withReply:(void (^)(std::int64_t))reply {
-  _caller->take(messages::SetManualRPM{.fan = fan, .rpm = rpm}, coded(reply));
+  caller_->take(messages::SetManualRPM{.fan = fan, .rpm = rpm}, coded(reply));
 }
 
 - (void)setPercentWithFan:(std::int64_t)fan percent:(double)percent withReply:(void (^)(std::int64_t))reply {
-  _caller->take(messages::SetPercent{.fan = fan, .percent = percent}, coded(reply));
+  caller_->take(messages::SetPercent{.fan = fan, .percent = percent}, coded(reply));
 }
 
 - (void)fullBlastWithReply:(void (^)(std::int64_t))reply {
-  _caller->take(messages::FullBlast(), coded(reply));
+  caller_->take(messages::FullBlast(), coded(reply));
 }
 
 - (void)automaticWithReply:(void (^)(std::int64_t))reply {
-  _caller->take(messages::Automatic(), coded(reply));
+  caller_->take(messages::Automatic(), coded(reply));
 }
 
 - (void)applyConfig:(NSData*)plan withReply:(void (^)(std::int64_t))reply {
-  _caller->take(messages::ApplyConfig{platform::bytesOf(plan, HelperIntake::copiedBytes)}, coded(reply));
+  caller_->take(messages::ApplyConfig{platform::bytesOf(plan, HelperIntake::copiedBytes)}, coded(reply));
 }
 
 - (void)restoreAutoWithReply:(void (^)(void))reply {
-  _caller->take(messages::RestoreAuto(), done(reply));
+  caller_->take(messages::RestoreAuto(), done(reply));
 }
 
 - (void)heartbeat {
-  _caller->take(messages::Heartbeat(), nullptr);
+  caller_->take(messages::Heartbeat(), nullptr);
 }
 
 - (void)readStateWithReply:(void (^)(NSData*))reply {
-  _caller->take(messages::ReadState(), told(reply));
+  caller_->take(messages::ReadState(), told(reply));
 }
 
 @end

@@ -42,9 +42,16 @@ public:
   }
 
   void begin() {
-    firesAt(::dispatch_time(DISPATCH_TIME_NOW, std::chrono::nanoseconds(longestSilence).count()));
+    isOn_ = true;
+    prolong();
   }
-  void end() { firesAt(DISPATCH_TIME_FOREVER); }
+  void prolong() {
+    if (isOn_) firesAt(::dispatch_time(DISPATCH_TIME_NOW, std::chrono::nanoseconds(longestSilence).count()));
+  }
+  void end() {
+    isOn_ = false;
+    firesAt(DISPATCH_TIME_FOREVER);
+  }
 
 private:
   void firesAt(dispatch_time_t time) {
@@ -53,6 +60,7 @@ private:
   }
 
   dispatch_source_t timer_;
+  bool isOn_ = false;
 };
 
 LaunchdSupervisor::LaunchdSupervisor(MachService::Domain domain)
@@ -74,7 +82,7 @@ void LaunchdSupervisor::setWatched(bool watched) {
 }
 
 void LaunchdSupervisor::alive() {
-  if (watch_) watch_->begin();
+  if (watch_) watch_->prolong();
 }
 
 } // namespace ventolith::platform

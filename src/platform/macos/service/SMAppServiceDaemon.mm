@@ -5,6 +5,7 @@
 
 #import <ServiceManagement/ServiceManagement.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 

@@ -38,13 +38,13 @@ private:
 };
 
 /// The answer to one notice of sleep, given once: at its end, if not before. Any thread.
-class Answer {
+class SleepAnswer {
 public:
-  Answer(std::shared_ptr<const RootPort> root, std::intptr_t change)
+  SleepAnswer(std::shared_ptr<const RootPort> root, std::intptr_t change)
       : root_(std::move(root)), change_(change) {}
-  Answer(const Answer&) = delete;
-  Answer& operator=(const Answer&) = delete;
-  ~Answer() { give(); }
+  SleepAnswer(const SleepAnswer&) = delete;
+  SleepAnswer& operator=(const SleepAnswer&) = delete;
+  ~SleepAnswer() { give(); }
 
   /// False if it has been given already.
   bool give() {
@@ -60,16 +60,16 @@ private:
 };
 
 /// Gives `answer` on `queue` if nobody has given it by then.
-void giveInTime(dispatch_queue_t queue, const std::shared_ptr<Answer>& answer) {
+void giveInTime(dispatch_queue_t queue, const std::shared_ptr<SleepAnswer>& answer) {
   const auto give = [](void* context) {
-    const std::unique_ptr<std::weak_ptr<Answer>> late(static_cast<std::weak_ptr<Answer>*>(context));
+    const std::unique_ptr<std::weak_ptr<SleepAnswer>> late(static_cast<std::weak_ptr<SleepAnswer>*>(context));
     const auto present = late->lock();
     if (present && present->give())
       sayOnStandardError(
           "[SystemPowerEvents] the machine goes to sleep without waiting for the fans any more");
   };
   ::dispatch_after_f(::dispatch_time(DISPATCH_TIME_NOW, std::chrono::nanoseconds(longestDelay).count()),
-                     queue, std::make_unique<std::weak_ptr<Answer>>(answer).release(), give);
+                     queue, std::make_unique<std::weak_ptr<SleepAnswer>>(answer).release(), give);
 }
 
 } // namespace
@@ -145,7 +145,7 @@ void SystemPowerEvents::Registration::take(natural_t notice, void* argument) {
 }
 
 void SystemPowerEvents::Registration::takeWillSleep(std::intptr_t change) {
-  auto answer = std::make_shared<Answer>(root_, change);
+  auto answer = std::make_shared<SleepAnswer>(root_, change);
   giveInTime(queue_, answer);
   post([delay = std::move(answer)](SleepNotices& notices) mutable { notices.sleepBegins(std::move(delay)); });
 }

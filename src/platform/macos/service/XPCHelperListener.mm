@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
@@ -29,23 +30,23 @@ using ventolith::platform::HelperIntake;
 @end
 
 @implementation VentolithHelperDoor {
-  std::shared_ptr<HelperIntake> _intake;
-  BOOL _isForOwnUser;
+  std::shared_ptr<HelperIntake> intake_;
+  BOOL isForOwnUser_;
 }
 
 - (instancetype)initWithIntake:(std::shared_ptr<HelperIntake>)intake onlyOwnUser:(BOOL)isForOwnUser {
   self = [super init];
   if (!self) return nil;
-  _intake = std::move(intake);
-  _isForOwnUser = isForOwnUser;
+  intake_ = std::move(intake);
+  isForOwnUser_ = isForOwnUser;
   _closed = dispatch_semaphore_create(0);
   return self;
 }
 
 - (BOOL)listener:(NSXPCListener*)listener shouldAcceptNewConnection:(NSXPCConnection*)connection {
   const uid_t user = connection.effectiveUserIdentifier;
-  if (_isForOwnUser && user != ::geteuid()) return NO;
-  const auto caller = _intake->admit(connection.processIdentifier, user, [self closerOf:connection]);
+  if (isForOwnUser_ && user != ::geteuid()) return NO;
+  const auto caller = intake_->admit(connection.processIdentifier, user, [self closerOf:connection]);
   if (caller == nullptr) return NO;
   connection.exportedInterface = [NSXPCInterface interfaceWithProtocol:@protocol(FanHelperProtocol)];
   connection.exportedObject = [[VentolithHelperPeer alloc] initWithCaller:caller];

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <system_error>
 #include <utility>

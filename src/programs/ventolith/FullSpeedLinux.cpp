@@ -1,8 +1,8 @@
 // No process is slowed down for being out of sight.
-#include "programs/ventolith/Pace.h"
+#include "programs/ventolith/FullSpeed.h"
 
 namespace ventolith::programs {
 
-void keepPace() {}
+void keepFullSpeed() {}
 
 } // namespace ventolith::programs

@@ -1,10 +1,10 @@
-#include "programs/ventolith/Pace.h"
+#include "programs/ventolith/FullSpeed.h"
 
 #import <Foundation/Foundation.h>
 
 namespace ventolith::programs {
 
-void keepPace() {
+void keepFullSpeed() {
   @autoreleasepool {
     // What the user waits for is exempt from App Nap. It ends with the process.
     static id const activity =
