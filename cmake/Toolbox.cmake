@@ -30,7 +30,8 @@ if(VENTOLITH_SYSTEM STREQUAL "macos")
 endif()
 if(VENTOLITH_SANITIZERS)
   target_compile_options(ventolith_flags INTERFACE
-    -fsanitize=${VENTOLITH_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${VENTOLITH_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -gline-tables-only) # All that a report shows; the rest takes a tenth of the build's time.
   target_link_options(ventolith_flags INTERFACE -fsanitize=${VENTOLITH_SANITIZERS})
 endif()
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
