@@ -1,29 +1,8 @@
 #include "helper/daemon/Callers.h"
 
-#include <boost/asio/this_coro.hpp>
-
 #include <algorithm>
 
 namespace ventolith::helper {
-
-ChangeOrder::Place ChangeOrder::enter() {
-  row_.emplace_hint(row_.end(), entered_, nullptr);
-  return entered_++;
-}
-
-runtime::Async<void> ChangeOrder::turn(std::shared_ptr<ChangeOrder> order, Place place) {
-  while (order->row_.begin()->first != place) {
-    runtime::Event waiter(co_await boost::asio::this_coro::executor);
-    order->row_.at(place) = &waiter;
-    co_await waiter.wait();
-    order->row_.at(place) = nullptr;
-  }
-}
-
-void ChangeOrder::leave(Place place) {
-  row_.erase(place);
-  if (!row_.empty() && row_.begin()->second != nullptr) row_.begin()->second->happen();
-}
 
 std::shared_ptr<KnownCaller> Callers::find(const HelperCaller& name) const {
   const auto found = known_.find(name);

@@ -2,12 +2,10 @@
 #pragma once
 
 #include "helper/link/HelperListener.h"
-#include "runtime/Async.h"
-#include "runtime/Event.h"
 #include "runtime/StopToken.h"
+#include "runtime/WaitingRow.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <deque>
 #include <map>
 #include <memory>
@@ -16,30 +14,12 @@
 
 namespace ventolith::helper {
 
-/// Has the changes that one caller asks for begin in the order in which they came, whatever order their
-/// permissions come in.
-class ChangeOrder {
-public:
-  using Place = std::uint64_t;
-
-  /// The last place of the row.
-  [[nodiscard]] Place enter();
-  /// Returns when all that entered before have left.
-  static runtime::Async<void> turn(std::shared_ptr<ChangeOrder> order, Place place);
-  void leave(Place place);
-
-  [[nodiscard]] std::size_t size() const { return row_.size(); }
-
-private:
-  Place entered_ = 0;
-  std::map<Place, runtime::Event*> row_; // With what a place waits on, once it does.
-};
-
 struct KnownCaller {
   std::size_t unanswered = 0; // Changes, with and without permission.
   bool isAdmitted = false;    // Was allowed its last change: its heartbeats count.
   runtime::StopSource gone;   // Requested when it goes: whatever waits on its behalf ends.
-  std::shared_ptr<ChangeOrder> order = std::make_shared<ChangeOrder>();
+  /// Its changes begin in the order in which they came, whatever order their permissions come in.
+  std::shared_ptr<runtime::WaitingRow> order = std::make_shared<runtime::WaitingRow>();
 };
 
 /// A caller is known, and watched, while it has unanswered changes, and once it is admitted until it is gone.

@@ -116,11 +116,11 @@ Async<HelperAnswer> FanHelperService::change(HelperCaller name, HelperMessage me
 Async<HelperAnswer> FanHelperService::changeInOrder(HelperCaller name, HelperMessage message,
                                                     std::shared_ptr<KnownCaller> caller) {
   const auto order = caller->order;
-  const ChangeOrder::Place place = order->enter();
+  const runtime::WaitingRow::Place place = order->enter();
   const bool wasAdmitted = caller->isAdmitted;
   const bool isAllowed = co_await its_.authorizer.mayControlFans(name, caller->gone.token());
   caller->isAdmitted = isAllowed;
-  co_await ChangeOrder::turn(order, place);
+  co_await runtime::WaitingRow::turn(order, place);
   order->leave(place);
   // From here up to where the fans hear of it nothing waits: the next change, which may begin now, comes
   // after.

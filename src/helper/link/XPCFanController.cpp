@@ -123,8 +123,14 @@ Async<ControlResult> XPCFanController::reconciledCommand(Weak controller, Helper
   auto self = controller.lock();
   if (!self) co_return ControlResult::noHelper;
   const std::uint64_t restoresBefore = self->restores_;
+  const auto order = self->commandOrder_;
+  const runtime::WaitingRow::Place place = order->enter();
   self = nullptr;
   co_await ensureHelperVersionReconciled(controller);
+  co_await runtime::WaitingRow::turn(order, place);
+  order->leave(place);
+  // From here up to where the connection has the message nothing waits: the next command, which may go on
+  // now, comes after.
   self = controller.lock();
   if (!self) co_return ControlResult::noHelper;
   if (self->restores_ != restoresBefore) co_return ControlResult::acquiring;

@@ -8,6 +8,7 @@
 #include "helper/link/HelperVersionReconciliation.h"
 #include "helper/link/ProcessWideCounter.h"
 #include "runtime/Clock.h"
+#include "runtime/WaitingRow.h"
 
 #include <cstdint>
 #include <memory>
@@ -53,9 +54,9 @@ public:
                    ProcessWideCounter& attempts);
   ~XPCFanController() override;
 
-  // A command waits for the check of the helper's build, and is sent whatever came of it. One that a
-  // `restoreAuto` has overtaken meanwhile is not sent, for it would take the fans again: it ends with
-  // `acquiring`, since nothing has refused it.
+  // A command waits for the check of the helper's build, and is sent whatever came of it, behind those that
+  // were given before it. One that a `restoreAuto` has overtaken meanwhile is not sent, for it would take the
+  // fans again: it ends with `acquiring`, since nothing has refused it.
   runtime::Async<core::ControlResult> setManual(core::FanID fan, std::int64_t rpm) override;
   runtime::Async<core::ControlResult> setPercent(core::FanID fan, double percent) override;
   runtime::Async<core::ControlResult> fullBlast() override;
@@ -129,6 +130,8 @@ private:
   std::uint64_t connectionChanges_ = 0; // A verdict on a helper that has changed meanwhile is none.
   std::uint64_t restores_ = 0;          // A command from before the last one is not sent any more.
   std::shared_ptr<Completion<Done>> inFlightReconciliationTask_;
+  /// Without it, a command that comes as a check ends would pass those that have waited for the check.
+  std::shared_ptr<runtime::WaitingRow> commandOrder_ = std::make_shared<runtime::WaitingRow>();
   std::optional<runtime::StopSource> pollTask_; // Once started, for good.
   core::ControlStateStream stateStream_;
 };

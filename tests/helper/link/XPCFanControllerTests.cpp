@@ -1,5 +1,8 @@
 #include "helper/link/LinkFixture.h"
 
+#include <boost/asio/detached.hpp>
+#include <boost/asio/io_context.hpp>
+
 #include <limits>
 
 namespace ventolith::helper {
@@ -142,6 +145,27 @@ TEST_F(XPCFanControllerTest, CommandsUnderWayDoNotWaitForEachOther) {
   const auto blast = begin(controller->fullBlast());
   EXPECT_EQ(run(controller->automatic()), ControlResult::applied);
   EXPECT_EQ(*blast, std::nullopt);
+}
+
+/// The second one comes from another thread just as the check that the first one waits for is over.
+TEST_F(XPCFanControllerTest, CommandsReachTheHelperInTheirOrder) {
+  boost::asio::io_context mainThread;
+  boost::asio::io_context callersThread;
+  bringUp();
+  const auto controller = XPCFanController::make(time.executor(), mainThread.get_executor(), time.clock,
+                                                 link.channels(), {.ownBuildVersion = ownBuild}, attempts);
+  const auto first = begin(controller->setManual(0, 1000));
+  EXPECT_EQ(helper.log(), Log{"HelperVersion"}); // The verdict waits for the main thread.
+  boost::asio::co_spawn(callersThread, controller->setManual(0, 2000), boost::asio::detached);
+  mainThread.poll();
+  callersThread.poll();
+  time.clock.settle();
+  EXPECT_EQ(*first, ControlResult::applied);
+  std::vector<std::int64_t> speeds;
+  for (const auto& message : helper.messages) {
+    if (const auto* const set = std::get_if<messages::SetManualRPM>(&message)) speeds.push_back(set->rpm);
+  }
+  EXPECT_EQ(speeds, (std::vector<std::int64_t>{1000, 2000}));
 }
 
 TEST_F(XPCFanControllerTest, RestoreAutoWaitsForTheHelper) {
