@@ -1,16 +1,15 @@
 #include "platform/linux/ClaimsRecord.h"
 
 #include "core/JSON.h"
+#include "runtime/Files.h"
 
 #include <fmt/format.h>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 
 namespace ventolith::platform {
 
@@ -76,34 +75,12 @@ std::vector<ClaimRecord> recordsFromText(const std::string& text) {
   return records;
 }
 
-std::string readAtMost(const fs::path& path, std::size_t limit) {
-  std::ifstream file(path, std::ios::binary);
-  std::string text(limit, '\0');
-  file.read(text.data(), static_cast<std::streamsize>(limit));
-  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
-  return text;
-}
-
 /// Whether `folder` is there and writable, or could be made.
 bool isUsable(const fs::path& folder) {
   std::error_code error;
   if (fs::is_directory(folder, error)) return ::access(folder.c_str(), W_OK) == 0;
   if (fs::exists(folder, error)) return false;
   return ::access(folder.parent_path().c_str(), W_OK) == 0;
-}
-
-/// Writes beside `path` and renames, so that a reader finds the old content or the new.
-bool replaceFile(const fs::path& path, const std::string& text) {
-  const fs::path draft = path.string() + ".new";
-  const auto closeFile = [](std::FILE* file) { return std::fclose(file); };
-  std::unique_ptr<std::FILE, decltype(closeFile)> file(std::fopen(draft.c_str(), "we"), closeFile);
-  if (!file) return false;
-  const bool isWritten = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size() &&
-                         std::fflush(file.get()) == 0 && ::fsync(::fileno(file.get())) == 0;
-  const bool isClosed = std::fclose(file.release()) == 0;
-  std::error_code error;
-  if (isWritten && isClosed) fs::rename(draft, path, error);
-  return isWritten && isClosed && !error;
 }
 
 } // namespace
@@ -157,10 +134,14 @@ void ClaimsRecord::remove(const FanIdentity& fan) {
 void ClaimsRecord::load() {
   if (!folder_) return;
   const fs::path path = *folder_ / "claims";
-  std::error_code error;
-  if (!fs::is_regular_file(path, error)) return;
+  const auto text = runtime::SystemFiles().read(path, longestFile);
+  if (!text) {
+    if (text.error() != std::errc::no_such_file_or_directory)
+      complain(fmt::format("{} is ignored: {}", path.string(), text.error().message()));
+    return;
+  }
   try {
-    records_ = recordsFromText(readAtMost(path, longestFile + 1));
+    records_ = recordsFromText(*text);
   } catch (const std::exception& failure) {
     complain(fmt::format("{} is ignored: {}", path.string(), failure.what()));
   }
@@ -182,9 +163,11 @@ void ClaimsRecord::save() {
     document.push_back(toJSON(record));
   // A driver's name may be any bytes.
   const std::string text = document.dump(1, ' ', false, JSON::error_handler_t::replace) + "\n";
-  const bool hasFailed = !replaceFile(path, text);
-  if (hasFailed && !hasFailed_) complain(fmt::format("{} could not be written", path.string()));
-  hasFailed_ = hasFailed;
+  runtime::SystemFiles files;
+  error = runtime::replaceFile(files, path, text, runtime::ordinaryFile);
+  if (error && !hasFailed_)
+    complain(fmt::format("{} could not be written: {}", path.string(), error.message()));
+  hasFailed_ = static_cast<bool>(error);
 }
 
 } // namespace ventolith::platform

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-#include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
 
 namespace ventolith::platform {
 namespace {
@@ -264,7 +266,8 @@ TEST(Claims, StateFolderThatCannotBeWrittenIsReportedAndDoesNotStopTheClaim) {
   EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
   const std::string complaint = testing::internal::GetCapturedStderr();
 
-  EXPECT_EQ(complaint, "[Hwmon] " + (tree.stateFolder() / "claims").string() + " could not be written\n");
+  EXPECT_EQ(complaint, "[Hwmon] " + (tree.stateFolder() / "claims").string() +
+                           " could not be written: Not a directory\n");
   EXPECT_EQ(driver.keys.write("F0Md", 0), applied);
   EXPECT_EQ(tree.text("hwmon0/pwm1_enable"), "5");
 }
@@ -293,6 +296,21 @@ TEST(Claims, RecordThatCannotBeUnderstoodIsIgnoredWithOneLine) {
     EXPECT_EQ(std::ranges::count(complaint, '\n'), 1) << text.substr(0, 80);
     EXPECT_EQ(driver.keys.read("FNum"), 1);
   }
+}
+
+TEST(Claims, RecordThatIsAPipeIsNotWaitedForAndMakesRoom) {
+  const HwmonTree tree;
+  tree.addMainBoard("hwmon0");
+  fs::create_directories(tree.stateFolder());
+  ASSERT_EQ(::mkfifo((tree.stateFolder() / "claims").c_str(), 0600), 0);
+
+  testing::internal::CaptureStderr();
+  Driver driver(tree);
+  const std::string complaint = testing::internal::GetCapturedStderr();
+
+  EXPECT_EQ(std::ranges::count(complaint, '\n'), 1);
+  EXPECT_EQ(driver.keys.write("F0Md", 1), applied);
+  EXPECT_TRUE(fs::is_regular_file(tree.stateFolder() / "claims"));
 }
 
 TEST(Claims, RecordOfAnotherKindOfDriverIsNotUsed) {
