@@ -24,8 +24,8 @@ FanControllerFactory previewControllers(runtime::Executor engineExecutor, runtim
 FanControllerFactory helperControllers(runtime::Executor engineExecutor, runtime::Executor mainExecutor,
                                        runtime::Clock& clock, helper::HelperChannelFactory channels) {
   return [engineExecutor = std::move(engineExecutor), mainExecutor = std::move(mainExecutor), &clock,
-          channels = std::move(channels)] {
-    return helper::XPCFanController::make(engineExecutor, mainExecutor, clock, channels);
+          channels = std::move(channels), order = std::make_shared<helper::CommandOrder>()] {
+    return helper::XPCFanController::make(engineExecutor, mainExecutor, clock, channels, {.order = order});
   };
 }
 

@@ -16,8 +16,10 @@ namespace {
 
 constexpr std::size_t publicKeyBytes = 32;
 
-std::string_view view(boost::urls::string_view text) {
-  return {text.data(), text.size()};
+/// Of a part of a URL, whose type is another one in each version of Boost.
+template <class Part>
+std::string_view view(const Part& part) {
+  return {part.data(), part.size()};
 }
 
 bool isAllowedFeedURL(std::string_view text, bool allowInsecureLocalhost) {

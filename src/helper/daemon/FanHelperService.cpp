@@ -119,8 +119,8 @@ Async<HelperAnswer> FanHelperService::changeInOrder(HelperCaller name, HelperMes
   const runtime::WaitingRow::Place place = order->enter();
   const bool wasAdmitted = caller->isAdmitted;
   const bool isAllowed = co_await its_.authorizer.mayControlFans(name, caller->gone.token());
-  caller->isAdmitted = isAllowed;
   co_await runtime::WaitingRow::turn(order, place);
+  caller->isAdmitted = isAllowed;
   order->leave(place);
   // From here up to where the fans hear of it nothing waits: the next change, which may begin now, comes
   // after.

@@ -74,14 +74,13 @@ Async<std::optional<std::string>> WatchedEngine::recover() {
 
 Async<std::optional<std::string>> WatchedEngine::recoverOnce() {
   std::optional<std::string> error;
-  if (co_await mayHaveFans()) error = co_await engine_->restoreAllFansToAutomatic();
+  if (co_await mayHaveFans(smc_)) error = co_await engine_->restoreAllFansToAutomatic();
   if (!error) isRecoveryDue_ = false;
   co_return error;
 }
 
-/// Whether there are fans at all that could have been taken; an error that is no answer counts as yes.
-Async<bool> WatchedEngine::mayHaveFans() {
-  const auto count = co_await smc_.readValue(hardware::fankeys::fanCount);
+Async<bool> WatchedEngine::mayHaveFans(hardware::SMCWriting& smc) {
+  const auto count = co_await smc.readValue(hardware::fankeys::fanCount);
   co_return count || !std::holds_alternative<hardware::SMCError::KeyNotFound>(count.error().value);
 }
 

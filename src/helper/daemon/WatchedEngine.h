@@ -47,6 +47,9 @@ public:
   /// way have stood down when it returns.
   runtime::Async<std::optional<std::string>> giveEveryFanBack() override;
 
+  /// Whether there are fans at all that could have been taken; an error that is no answer counts as yes.
+  [[nodiscard]] static runtime::Async<bool> mayHaveFans(hardware::SMCWriting& smc);
+
   /// LocalFanController::restoreAllFansToAutomatic; a machine that knows no number of fans has none. A
   /// recovery that fails is tried again every 2 seconds until it succeeds.
   runtime::Async<std::optional<std::string>> recover();
@@ -69,7 +72,6 @@ private:
   void commandEnds();
   runtime::Async<std::optional<std::string>> giveBackOnce();
   runtime::Async<std::optional<std::string>> recoverOnce();
-  runtime::Async<bool> mayHaveFans();
   runtime::Async<void> recoverUntilItSucceeds();
 
   void noteSignOfLife();

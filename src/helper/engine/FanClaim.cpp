@@ -78,24 +78,28 @@ Async<LocalFanController::ErrorText> LocalFanController::learnModeKey(FanID fan)
 
 /// `applied`, `timedOut` after 10 seconds, or `rejected` with the code of the fifth identical refusal in
 /// a row. It stands down with `reclaimed` once the release generation has passed: no manual mode is written
-/// after the fans were handed back.
-Async<ControlResult> LocalFanController::claimManualMode(std::string modeKey, Generation generation) {
+/// after the fans were handed back. It does the same once nobody wants the fan any more, but where the SMC
+/// has accepted by then, the fan is taken.
+Async<ControlResult> LocalFanController::claimManualMode(std::string modeKey, Generation generation,
+                                                         std::function<bool()> isWanted) {
   const auto isHandedBack = [this, generation] { return generation != releaseGeneration_; };
+  const auto standsDown = [&] { return isHandedBack() || !isWanted(); };
 
-  if (isHandedBack()) co_return ControlResult::reclaimed;
+  if (standsDown()) co_return ControlResult::reclaimed;
   const auto first = co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
   if (isHandedBack()) co_return ControlResult::reclaimed;
   if (first && *first == 0) co_return ControlResult::applied;
+  if (standsDown()) co_return ControlResult::reclaimed;
 
   co_await smc_.writeUInt8(fankeys::forceTest, 1);
   const runtime::Instant start = clock_.now();
   const auto isOverBudget = [this, start] { return clock_.now() - start >= claimBudget; };
   RefusalCount refusals;
   for (int attempt = 1; !isOverBudget(); ++attempt) {
-    if (isHandedBack()) co_return ControlResult::reclaimed;
+    if (standsDown()) co_return ControlResult::reclaimed;
     if (attempt % attemptsPerLatch == 0) {
       co_await smc_.writeUInt8(fankeys::forceTest, 1);
-      if (isHandedBack()) co_return ControlResult::reclaimed;
+      if (standsDown()) co_return ControlResult::reclaimed;
     }
     const auto written = co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
     if (isHandedBack()) co_return ControlResult::reclaimed;

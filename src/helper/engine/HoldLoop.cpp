@@ -40,6 +40,7 @@ Async<void> LocalFanController::holdLoop(runtime::StopToken stop) {
 /// that a hot machine reports heat, and both come before any write of the round.
 Async<LocalFanController::Round> LocalFanController::holdRound(runtime::StopToken stop) {
   auto snapshot = co_await sensors_.snapshot();
+  const Generation command = releaseRetryGeneration_;
   if (stop.stopRequested()) co_return Round::endsTheLoop; // The fans were given back, and that was reported.
   if (snapshot.temps.empty()) {
     if (++consecutiveMissingTemperatureSnapshots_ >= missingTemperatureLimit) {
@@ -52,7 +53,8 @@ Async<LocalFanController::Round> LocalFanController::holdRound(runtime::StopToke
   consecutiveMissingTemperatureSnapshots_ = 0;
   if (auto message = watchdogMessage(snapshot)) co_return co_await releaseSequence(std::move(*message));
   const auto reclaimed = co_await assertPlanOnce(activePlan_, std::move(snapshot), clock_.now());
-  co_return stop.stopRequested() ? Round::endsTheLoop : reportPass(reclaimed);
+  if (stop.stopRequested()) co_return Round::endsTheLoop;
+  co_return command == releaseRetryGeneration_ ? reportPass(reclaimed) : Round::goesOn;
 }
 
 /// Why every fan has to be given back now; none if all is well. The snapshot has temperatures.
@@ -72,7 +74,10 @@ LocalFanController::watchdogMessage(const core::SensorSnapshot& snapshot) const 
 Async<LocalFanController::Round> LocalFanController::releaseSequence(std::string message) {
   activePlan_ = core::FanControlPlan::allAutomatic;
   evaluator_.reset();
-  if (auto error = co_await releaseAllToAuto(directCommand)) {
+  const Generation command = releaseRetryGeneration_;
+  auto error = co_await releaseAllToAuto(directCommand);
+  if (command != releaseRetryGeneration_) co_return Round::endsTheLoop; // A newer plan reports for itself.
+  if (error) {
     publishState(!claimedFans_.empty(), std::move(error)); // Worse than the watchdog's own message.
   } else {
     publishState(false, std::move(message));

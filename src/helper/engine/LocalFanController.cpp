@@ -45,7 +45,7 @@ Async<ControlResult> LocalFanController::fullBlast() {
 }
 
 Async<ControlResult> LocalFanController::applyPlan(FanControlPlan plan) {
-  return run(applyPlanNow(std::move(plan)));
+  return run(applyInTurn(std::move(plan)));
 }
 
 Async<ControlResult> LocalFanController::automatic() {
@@ -77,7 +77,23 @@ Async<std::optional<std::string>> LocalFanController::restoreAllFansToAutomatic(
   return run(recoverAtStart());
 }
 
+/// Waits for the commands before this one that have no plan yet. False if the fans were to be given back
+/// meanwhile: that command has the last word.
+Async<bool> LocalFanController::turnOfAPlan() {
+  const Generation before = givenBack_;
+  const runtime::WaitingRow::Place place = planOrder_->enter();
+  co_await runtime::WaitingRow::turn(planOrder_, place);
+  planOrder_->leave(place);
+  co_return before == givenBack_;
+}
+
+Async<ControlResult> LocalFanController::applyInTurn(FanControlPlan plan) {
+  if (!co_await turnOfAPlan()) co_return ControlResult::reclaimed;
+  co_return co_await applyPlanNow(std::move(plan));
+}
+
 Async<ControlResult> LocalFanController::applyToOneFan(FanID fan, FanControlModePlan mode) {
+  if (!co_await turnOfAPlan()) co_return ControlResult::reclaimed;
   FanControlPlan plan = activePlan_;
   std::erase_if(plan.fans, [fan](const core::FanPlan& entry) { return entry.fanID == fan; });
   plan.fans.push_back({fan, std::move(mode)});
@@ -85,8 +101,13 @@ Async<ControlResult> LocalFanController::applyToOneFan(FanID fan, FanControlMode
 }
 
 Async<ControlResult> LocalFanController::applyFullBlast() {
+  const Generation before = givenBack_;
+  const runtime::WaitingRow::Place place = planOrder_->enter();
   const auto count = co_await fanCount();
+  co_await runtime::WaitingRow::turn(planOrder_, place);
+  planOrder_->leave(place);
   if (!count) co_return ControlResult::failed("could not read FNum");
+  if (before != givenBack_) co_return ControlResult::reclaimed;
   FanControlPlan plan = activePlan_;
   plan.fans.clear();
   for (FanID fan = 0; fan < *count; ++fan)
@@ -132,6 +153,7 @@ Async<void> LocalFanController::noteHeartbeat() {
 }
 
 Async<FanControlPlan> LocalFanController::tellActivePlan() {
+  co_await turnOfAPlan();
   co_return activePlan_;
 }
 

@@ -8,8 +8,10 @@
 #include "hardware/Machine.h"
 #include "hardware/SensorReader.h"
 #include "runtime/Clock.h"
+#include "runtime/WaitingRow.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -22,7 +24,7 @@ namespace ventolith::helper {
 
 /// A single-threaded owner, one a process, always held by a shared_ptr, which its loops share while they run.
 /// Its operations suspend at every SMC and sensor call, so that others of its operations can run between two
-/// steps of one; two generation counters keep work that has become stale from acting.
+/// steps of one; generation counters keep work that has become stale from acting.
 ///
 /// Nobody but this object's stream reader keeps the stream short: whoever makes a controller for long
 /// reads `stateStream`, or drains it.
@@ -56,7 +58,9 @@ public:
   /// starts the hold loop and runs a first pass. Claiming takes up to 10 seconds a fan, and the watchdogs
   /// see to the fans meanwhile; the heartbeat counts from the plan's arrival. The last failure is the result;
   /// fans that were claimed stay claimed even so. notPrivileged changes nothing; reclaimed says that the fans
-  /// were given back, by a command or a watchdog, while they were being claimed.
+  /// were given back, by a command or a watchdog, while they were being claimed. A plan that is overtaken by
+  /// a newer one claims nothing more that the newer leaves alone, which is no failure, and leaves pass and
+  /// report to the newer.
   runtime::Async<core::ControlResult> applyPlan(core::FanControlPlan plan) override;
 
   /// Gives every fan back. A fan that refuses is retried every 2 seconds until it is back or a newer
@@ -106,6 +110,8 @@ private:
     const auto self = shared_from_this();
     co_return co_await serial_.run(std::move(work));
   }
+  runtime::Async<bool> turnOfAPlan();
+  runtime::Async<core::ControlResult> applyInTurn(core::FanControlPlan plan);
   runtime::Async<core::ControlResult> applyToOneFan(core::FanID fan, core::FanControlModePlan mode);
   runtime::Async<core::ControlResult> applyFullBlast();
   runtime::Async<ErrorText> recoverAtStart();
@@ -119,20 +125,32 @@ private:
   // Taking a fan out of firmware control: FanClaim.cpp
   runtime::Async<std::optional<std::string>> resolveModeKey(core::FanID fan);
   runtime::Async<ErrorText> learnModeKey(core::FanID fan);
-  runtime::Async<core::ControlResult> claimManualMode(std::string modeKey, Generation generation);
+  runtime::Async<core::ControlResult> claimManualMode(std::string modeKey, Generation generation,
+                                                      std::function<bool()> isWanted);
 
   // Applying and asserting a plan: PlanAssertion.cpp
+  /// A pass, and what was newest when it began.
+  struct Pass {
+    Generation number;
+    Generation command;
+    Generation release;
+  };
+  /// By a command or a release.
+  [[nodiscard]] bool isOvertaken(Pass pass) const {
+    return pass.command != releaseRetryGeneration_ || pass.release != releaseGeneration_;
+  }
+  /// The same, or by a newer pass.
+  [[nodiscard]] bool isOver(Pass pass) const { return isOvertaken(pass) || pass.number != passes_; }
   runtime::Async<core::ControlResult> applyPlanNow(core::FanControlPlan plan);
   runtime::Async<core::ControlResult> claimPlannedFans(const core::FanControlPlan& plan,
                                                        Generation generation);
   runtime::Async<std::vector<core::FanID>>
   assertPlanOnce(core::FanControlPlan plan, core::SensorSnapshot snapshot, runtime::Instant now);
-  runtime::Async<bool> releaseFansOf(const core::FanHoldActions& actions, Generation generation);
-  runtime::Async<bool> claimWantedFans(const core::FanHoldActions& actions, const core::FanControlPlan& plan,
-                                       Generation generation);
+  runtime::Async<bool> releaseFansOf(const core::FanHoldActions& actions, Pass pass);
+  runtime::Async<bool> claimWantedFans(const core::FanHoldActions& actions, Pass pass);
   runtime::Async<std::optional<std::vector<core::FanID>>> holdTargetsOf(const core::FanHoldActions& actions,
-                                                                        Generation generation);
-  void enterClaimed(core::FanID fan, const core::FanControlModePlan* mode);
+                                                                        Pass pass);
+  void enterClaimed(core::FanID fan);
 
   // The periodic loop and its watchdogs: HoldLoop.cpp
   enum class Round { goesOn, endsTheLoop };
@@ -182,8 +200,12 @@ private:
   int claimsUnderWay_ = 0;                       // Of commands; a pass claims nothing meanwhile.
   std::optional<runtime::StopSource> holdTask_;
   std::optional<runtime::StopSource> releaseRetryTask_;
-  Generation releaseRetryGeneration_ = 0; // Advanced by each command; a retry of an older one stands down.
-  Generation releaseGeneration_ = 0;      // Advanced by each release; a pass of an older one stops writing.
+  Generation releaseRetryGeneration_ = 0; // Advanced by each command; retry and pass of an older one end.
+  Generation releaseGeneration_ = 0;      // Advanced by each release; claim and pass of an older one end.
+  Generation passes_ = 0;                 // Advanced by each pass; an older one writes no target any more.
+  Generation givenBack_ = 0;              // Advanced by each command to give the fans back.
+  /// Commands take their turns where one of them has something to read before it has a plan.
+  std::shared_ptr<runtime::WaitingRow> planOrder_ = std::make_shared<runtime::WaitingRow>();
   runtime::Instant lastHeartbeat_ = runtime::distantPast; // The distant past: never, or released.
   int consecutiveMissingTemperatureSnapshots_ = 0;
   core::ControlStateStream stateStream_;

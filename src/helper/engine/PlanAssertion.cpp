@@ -28,11 +28,16 @@ std::set<FanID> controlledFans(const FanControlPlan& plan) {
   return fans;
 }
 
-/// The mode of the first entry of the fan; none if the plan does not list it.
+/// The mode of the fan's first entry that is not automatic, or else of its first; none if the plan does not
+/// list it.
 const FanControlModePlan* modeIn(const FanControlPlan& plan, FanID fan) {
-  const auto entry = std::find_if(plan.fans.begin(), plan.fans.end(),
-                                  [fan](const FanPlan& candidate) { return candidate.fanID == fan; });
-  return entry == plan.fans.end() ? nullptr : &entry->mode;
+  const FanControlModePlan* first = nullptr;
+  for (const FanPlan& entry : plan.fans) {
+    if (entry.fanID != fan) continue;
+    if (!entry.mode.isAutomatic()) return &entry.mode;
+    if (first == nullptr) first = &entry.mode;
+  }
+  return first;
 }
 
 } // namespace
@@ -42,6 +47,9 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
   // A release that runs from here on has the last word, and its own report.
   const Generation generation = releaseGeneration_;
   standDownRetry();
+  const auto isSuperseded = [this, command = releaseRetryGeneration_] {
+    return command != releaseRetryGeneration_;
+  };
   activePlan_ = plan;
   lastHeartbeat_ = clock_.now(); // A new plan counts as one, from its arrival.
   monitoredFans_ = controlledFans(plan);
@@ -60,17 +68,20 @@ Async<ControlResult> LocalFanController::applyPlanNow(FanControlPlan plan) {
     co_return error ? ControlResult::failed(std::move(*error)) : result;
   }
   ensureHoldLoopRunning();
+  if (isSuperseded()) co_return result;
   auto snapshot = co_await sensors_.snapshot();
   if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
+  if (isSuperseded()) co_return result;
   co_await assertPlanOnce(activePlan_, std::move(snapshot), clock_.now());
   if (generation != releaseGeneration_) co_return ControlResult::reclaimed;
+  if (isSuperseded()) co_return result;
   publishState(!claimedFans_.empty(),
                result == ControlResult::applied ? std::nullopt : ErrorText("applyPlan: " + result.text()));
   co_return result;
 }
 
-/// Each fan once, however often the plan lists it. The last failure wins; fans that were claimed stay claimed
-/// even when a later one fails.
+/// Each fan once, however often the plan lists it, and none that the plan in force leaves alone by then. The
+/// last failure wins; fans that were claimed stay claimed even when a later one fails.
 Async<ControlResult> LocalFanController::claimPlannedFans(const FanControlPlan& plan, Generation generation) {
   ++claimsUnderWay_;
   ControlResult result = ControlResult::applied;
@@ -78,15 +89,17 @@ Async<ControlResult> LocalFanController::claimPlannedFans(const FanControlPlan& 
   for (const FanPlan& entry : plan.fans) {
     if (entry.mode.isAutomatic() || claimedFans_.contains(entry.fanID)) continue;
     if (!tried.insert(entry.fanID).second) continue;
+    const auto isWanted = [this, fan = entry.fanID] { return monitoredFans_.contains(fan); };
+    if (!isWanted()) continue;
     const auto modeKey = co_await resolveModeKey(entry.fanID);
     if (!modeKey) {
       result = ControlResult::failed("neither F<n>Md nor F<n>md exists on this machine");
       continue;
     }
-    const ControlResult claim = co_await claimManualMode(*modeKey, generation);
+    const ControlResult claim = co_await claimManualMode(*modeKey, generation, isWanted);
     if (claim == ControlResult::applied) {
-      enterClaimed(entry.fanID, &entry.mode);
-    } else {
+      enterClaimed(entry.fanID);
+    } else if (isWanted()) {
       result = claim;
     }
   }
@@ -95,28 +108,29 @@ Async<ControlResult> LocalFanController::claimPlannedFans(const FanControlPlan& 
 }
 
 /// One pass. Returns the fans that the firmware was found to have taken back. A release that runs between
-/// two of its steps ends it: no target is written after the fans were handed back.
+/// two of its steps ends it, and so does a newer plan or pass: no target is written after the fans were
+/// handed back, and no fan is taken anew that a newer pass has just let go, which nobody would hold then.
 Async<std::vector<FanID>>
 LocalFanController::assertPlanOnce(FanControlPlan plan, core::SensorSnapshot snapshot, runtime::Instant now) {
-  const Generation generation = releaseGeneration_;
+  const Pass pass{++passes_, releaseRetryGeneration_, releaseGeneration_};
   const auto decisions = evaluator_.evaluate(plan, snapshot, now);
   const auto actions = core::FanHoldPlanner::actions(decisions, claimedFans_);
   stoppedFans_ = {actions.stoppedFans.begin(), actions.stoppedFans.end()};
   if (actions.forceTestEnabled) co_await smc_.writeUInt8(fankeys::forceTest, 1);
 
-  if (!co_await releaseFansOf(actions, generation)) co_return std::vector<FanID>();
-  if (!co_await claimWantedFans(actions, plan, generation)) co_return std::vector<FanID>();
-  const auto reclaimed = co_await holdTargetsOf(actions, generation);
+  if (!co_await releaseFansOf(actions, pass)) co_return std::vector<FanID>();
+  if (!co_await claimWantedFans(actions, pass)) co_return std::vector<FanID>();
+  const auto reclaimed = co_await holdTargetsOf(actions, pass);
   if (!reclaimed) co_return std::vector<FanID>();
   const bool isLatchIdle = claimedFans_.empty() && !actions.forceTestEnabled && claimsUnderWay_ == 0;
-  if (isLatchIdle && generation == releaseGeneration_) co_await smc_.writeUInt8(fankeys::forceTest, 0);
+  if (isLatchIdle && !isOver(pass)) co_await smc_.writeUInt8(fankeys::forceTest, 0);
   co_return *reclaimed;
 }
 
-/// Gives back what is to go; a refusal is for the next pass. False once `generation` has passed.
-Async<bool> LocalFanController::releaseFansOf(const FanHoldActions& actions, Generation generation) {
+/// Gives back what is to go; a refusal is for the next pass. False once the pass is over.
+Async<bool> LocalFanController::releaseFansOf(const FanHoldActions& actions, Pass pass) {
   for (const FanID fan : actions.toRelease) {
-    if (generation != releaseGeneration_) co_return false;
+    if (isOver(pass)) co_return false;
     const auto modeKey = modeKeyCache_.find(fan);
     if (modeKey == modeKeyCache_.end()) continue;
     const auto written = co_await smc_.writeUInt8(modeKey->second, fankeys::modeAutomatic);
@@ -127,29 +141,28 @@ Async<bool> LocalFanController::releaseFansOf(const FanHoldActions& actions, Gen
 
 /// Takes over what is to be held; a failed claim is for the next pass, and all of them are while a command
 /// claims: a pass that waited beside it would keep the watchdogs from what the command has claimed. False
-/// once `generation` has passed.
-Async<bool> LocalFanController::claimWantedFans(const FanHoldActions& actions, const FanControlPlan& plan,
-                                                Generation generation) {
+/// once the pass is overtaken: a newer one does not end a claim, which both of them want.
+Async<bool> LocalFanController::claimWantedFans(const FanHoldActions& actions, Pass pass) {
   if (claimsUnderWay_ > 0) co_return true;
+  const auto isWanted = [this, pass] { return !isOvertaken(pass); };
   for (const FanID fan : actions.toClaim) {
-    if (generation != releaseGeneration_) co_return false;
+    if (!isWanted()) co_return false;
     const auto modeKey = co_await resolveModeKey(fan);
     if (!modeKey) continue;
-    if (co_await claimManualMode(*modeKey, generation) == ControlResult::applied)
-      enterClaimed(fan, modeIn(plan, fan));
+    if (co_await claimManualMode(*modeKey, pass.release, isWanted) == ControlResult::applied)
+      enterClaimed(fan);
   }
   co_return true;
 }
 
 /// Asserts mode and target of every claimed fan, since the firmware can revert them at any time. None once
-/// `generation` has passed.
+/// the pass is over.
 Async<std::optional<std::vector<FanID>>> LocalFanController::holdTargetsOf(const FanHoldActions& actions,
-                                                                           Generation generation) {
-  const auto isHandedBack = [this, generation] { return generation != releaseGeneration_; };
+                                                                           Pass pass) {
   std::vector<FanID> reclaimed;
   const std::set<FanID> claimed = claimedFans_; // A copy: a release may run wherever this waits.
   for (const FanID fan : claimed) {
-    if (isHandedBack()) co_return std::nullopt;
+    if (isOver(pass)) co_return std::nullopt;
     const auto cachedKey = modeKeyCache_.find(fan);
     const auto target = actions.targets.find(fan);
     const bool isHeld =
@@ -157,9 +170,9 @@ Async<std::optional<std::vector<FanID>>> LocalFanController::holdTargetsOf(const
     if (!isHeld) continue;
     const std::string modeKey = cachedKey->second;
     co_await smc_.writeUInt8(modeKey, fankeys::modeManual);
-    if (isHandedBack()) co_return std::nullopt;
+    if (isOver(pass)) co_return std::nullopt;
     co_await smc_.writeFloat(fankeys::target(fan), target->second);
-    if (isHandedBack()) co_return std::nullopt;
+    if (isOver(pass)) co_return std::nullopt;
     targets_.insert_or_assign(fan, target->second);
     const auto mode = co_await smc_.tryReadValue(modeKey);
     if (fankeys::truncated(mode ? mode->numeric() : std::nullopt) == fankeys::modeReclaimed)
@@ -168,9 +181,13 @@ Async<std::optional<std::vector<FanID>>> LocalFanController::holdTargetsOf(const
   co_return reclaimed;
 }
 
-void LocalFanController::enterClaimed(FanID fan, const FanControlModePlan* mode) {
+/// Under the mode of the plan in force, which may be newer than the one that asked for the fan. If it leaves
+/// the fan alone, the next round gives it back.
+void LocalFanController::enterClaimed(FanID fan) {
   claimedFans_.insert(fan);
-  if (mode != nullptr) perFanMode_.insert_or_assign(fan, core::controlMode(*mode));
+  if (const auto* const mode = modeIn(activePlan_, fan))
+    perFanMode_.insert_or_assign(fan, core::controlMode(*mode));
+  ensureHoldLoopRunning();
 }
 
 } // namespace ventolith::helper

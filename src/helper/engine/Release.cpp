@@ -45,6 +45,7 @@ Async<void> LocalFanController::restoreAutoNow() {
 }
 
 Async<LocalFanController::ErrorText> LocalFanController::giveBackByCommand() {
+  ++givenBack_;
   standDownRetry();
   activePlan_ = core::FanControlPlan::allAutomatic;
   evaluator_.reset();
@@ -164,7 +165,7 @@ void LocalFanController::forgetHeld(FanID fan) {
   perFanMode_.erase(fan);
 }
 
-/// A command has come: no retry from before it may undo it.
+/// A command has come: no retry and no pass from before it may undo it.
 void LocalFanController::standDownRetry() {
   ++releaseRetryGeneration_;
   if (releaseRetryTask_) releaseRetryTask_->requestStop();

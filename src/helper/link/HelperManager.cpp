@@ -80,7 +80,10 @@ void HelperManager::writeToStandardError(const std::string& text) {
 }
 
 Async<void> HelperManager::readStatus(Self self) {
+  const std::uint64_t question = ++self->questions_;
   const DaemonStatus status = co_await self->service_->status();
+  if (question < self->lastAnswered_) co_return;
+  self->lastAnswered_ = question;
   self->assign(HelperManagerField::status, self->status_, status);
 }
 

@@ -4,6 +4,7 @@
 #include "helper/link/DaemonService.h"
 #include "runtime/Observable.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -67,6 +68,8 @@ private:
   std::unique_ptr<DaemonService> service_;
   Print print_;
   DaemonStatus status_ = DaemonStatus::notRegistered;
+  std::uint64_t questions_ = 0;    // For the status.
+  std::uint64_t lastAnswered_ = 0; // The answer to an older one, which comes late, counts for nothing.
   bool isHelperStale_;
   bool isAttemptingStaleRecovery_ = false;
 };

@@ -61,7 +61,8 @@ XPCFanController::XPCFanController(Key, const runtime::Executor& executor, runti
       ownBuildVersion_(std::move(options.ownBuildVersion)),
       upgradeAttempts_(attempts),
       connection_(channels_()),
-      reconciler_(options.maxUpgradeAttempts) {}
+      reconciler_(options.maxUpgradeAttempts),
+      commandOrder_(std::move(options.order)) {}
 
 XPCFanController::~XPCFanController() {
   if (pollTask_) pollTask_->requestStop();
@@ -122,18 +123,19 @@ Async<ControlResult> XPCFanController::reconciledCommand(Weak controller, Helper
                                                          StatePolling polling) {
   auto self = controller.lock();
   if (!self) co_return ControlResult::noHelper;
-  const std::uint64_t restoresBefore = self->restores_;
   const auto order = self->commandOrder_;
-  const runtime::WaitingRow::Place place = order->enter();
+  const std::shared_ptr<runtime::WaitingRow> row(order, &order->row);
+  const std::uint64_t restoresBefore = order->restores;
+  const runtime::WaitingRow::Place place = row->enter();
   self = nullptr;
   co_await ensureHelperVersionReconciled(controller);
-  co_await runtime::WaitingRow::turn(order, place);
-  order->leave(place);
+  co_await runtime::WaitingRow::turn(row, place);
+  row->leave(place);
   // From here up to where the connection has the message nothing waits: the next command, which may go on
   // now, comes after.
   self = controller.lock();
   if (!self) co_return ControlResult::noHelper;
-  if (self->restores_ != restoresBefore) co_return ControlResult::acquiring;
+  if (order->restores != restoresBefore) co_return ControlResult::acquiring;
   if (polling == StatePolling::started) self->ensureStatePollLoopRunning();
   self = nullptr;
   const auto code = replyAs<replies::Code>(co_await call(controller, std::move(message)));
@@ -141,7 +143,7 @@ Async<ControlResult> XPCFanController::reconciledCommand(Weak controller, Helper
 }
 
 Async<void> XPCFanController::restoreAutoNow(Weak controller) {
-  if (const auto self = controller.lock()) ++self->restores_;
+  if (const auto self = controller.lock()) ++self->commandOrder_->restores;
   co_await call(controller, messages::RestoreAuto{});
 }
 

@@ -18,10 +18,19 @@
 
 namespace ventolith::helper {
 
+/// The commands of all controllers that take each other's place in a process. Where they share it, what an
+/// older one has still to send is sent before what the newer one is given, or not at all once that gives the
+/// fans back. Belongs to the thread of their executor.
+struct CommandOrder {
+  runtime::WaitingRow row;
+  std::uint64_t restores = 0; // A command from before the last one is not sent any more.
+};
+
 struct XPCFanControllerOptions {
   runtime::Duration statePollInterval = std::chrono::seconds(2);
   std::string ownBuildVersion = HelperBuildVersion::identifier;
   std::int64_t maxUpgradeAttempts = HelperVersionReconciliation::defaultMaxUpgradeAttempts;
+  std::shared_ptr<CommandOrder> order = std::make_shared<CommandOrder>();
 };
 
 /// A single-threaded owner of the line to the helper. It replaces a channel that broke, sees to it that the
@@ -128,10 +137,9 @@ private:
   bool needsFreshConnection_ = false; // The connection is gone for good; the next use replaces it.
   HelperVersionReconciler reconciler_;
   std::uint64_t connectionChanges_ = 0; // A verdict on a helper that has changed meanwhile is none.
-  std::uint64_t restores_ = 0;          // A command from before the last one is not sent any more.
   std::shared_ptr<Completion<Done>> inFlightReconciliationTask_;
   /// Without it, a command that comes as a check ends would pass those that have waited for the check.
-  std::shared_ptr<runtime::WaitingRow> commandOrder_ = std::make_shared<runtime::WaitingRow>();
+  std::shared_ptr<CommandOrder> commandOrder_;
   std::optional<runtime::StopSource> pollTask_; // Once started, for good.
   core::ControlStateStream stateStream_;
 };

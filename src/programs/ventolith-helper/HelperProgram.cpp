@@ -1,6 +1,5 @@
 #include "programs/ventolith-helper/HelperProgram.h"
 
-#include "hardware/FanKeys.h"
 #include "helper/daemon/HelperDaemon.h"
 #include "platform/system/SystemClock.h"
 #include "platform/system/service/SystemServices.h"
@@ -84,15 +83,9 @@ hardware::Machine select(Process& process) {
   return selectMachine(variables, process.clock);
 }
 
-/// Whether there are fans at all that could have been taken; an error that is no answer counts as yes.
-Async<bool> mayHaveFans(hardware::SMCConnection& smc) {
-  const auto count = co_await smc.readValue(hardware::fankeys::fanCount);
-  co_return count || !std::holds_alternative<hardware::SMCError::KeyNotFound>(count.error().value);
-}
-
 /// For a process that serves nobody.
 Async<bool> giveBack(Process& process) {
-  if (!co_await mayHaveFans(process.machine->smc())) {
+  if (!co_await helper::WatchedEngine::mayHaveFans(process.machine->smc())) {
     process.log.note("this computer has no fans that could be held");
     co_return true;
   }

@@ -10,7 +10,7 @@ namespace ventolith::ctl {
 
 namespace {
 
-using ErrorCode = boost::json::error_code;
+using ErrorCode = boost::system::error_code;
 using Text = boost::json::string_view;
 
 // Far more than a machine has, and within what the decoder accepts of one document.

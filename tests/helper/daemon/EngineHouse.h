@@ -19,6 +19,7 @@ class HangingSMC final : public hardware::SMCWriting {
 public:
   ScriptedSMC scripted;
   bool hangs = false;
+  int turnsPerRead = 0; // Of the event loop, in which others run.
 
   Async<Written> writeUInt8(std::string key, std::uint8_t value) override {
     if (hangs) co_await forever();
@@ -32,6 +33,8 @@ public:
     co_return co_await scripted.readValue(std::move(key));
   }
   Async<std::optional<hardware::SMCValue>> tryReadValue(std::string key) override {
+    for (int turn = 0; turn < turnsPerRead; ++turn)
+      co_await boost::asio::post(boost::asio::use_awaitable);
     co_return co_await scripted.tryReadValue(std::move(key));
   }
 

@@ -195,6 +195,20 @@ TEST_F(FansThroughSleepTest, SleepWhileAFanIsBeingTakenIsNoReasonToForgetThePlan
   EXPECT_EQ(held(), (Held{{0, 3000}}));
 }
 
+TEST_F(FansThroughSleepTest, SleepWhileAFullBlastCountsTheFansIsNoReasonToForgetIt) {
+  hanging.turnsPerRead = 20;
+  std::optional<ControlResult> blast;
+  const auto blow = [&]() -> Async<void> { blast = co_await fans.fullBlast(); };
+  runtime::start(time.executor(), "full blast", blow());
+  runtime::start(time.executor(), "sleep", fans.willSleep());
+  pass(1);
+  EXPECT_EQ(blast, ControlResult::acquiring);
+  EXPECT_TRUE(isIdle());
+  wake();
+  heartbeat();
+  EXPECT_EQ(held(), (Held{{0, 8000}, {1, 8000}}));
+}
+
 TEST_F(FansThroughSleepTest, AnotherSleepBeforeTheHeartbeatKeepsThePlan) {
   run(fans.applyPlan(fixed({{0, 3000}})));
   sleep();

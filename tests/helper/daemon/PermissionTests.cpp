@@ -141,6 +141,22 @@ TEST_F(PermissionTest, AHeartbeatDoesNotCountAfterARefusal) {
   EXPECT_EQ(fans.log, Lines{"automatic"});
 }
 
+TEST_F(PermissionTest, AHeartbeatCountsByTheLastChangeThatWasAskedForThoughPermissionsComeInAnotherOrder) {
+  authorizer.holdsBack = true;
+  begin(anna, messages::SetManualRPM{0, 1});
+  begin(anna, messages::SetManualRPM{0, 2});
+  allow(1);
+  decide(0, false);
+  begin(anna, messages::Heartbeat());
+  EXPECT_EQ(fans.log, (Lines{"setManual 0 2", "heartbeat"}));
+  begin(anna, messages::SetManualRPM{0, 3});
+  begin(anna, messages::SetManualRPM{0, 4});
+  decide(3, false);
+  allow(2);
+  begin(anna, messages::Heartbeat());
+  EXPECT_EQ(fans.log, (Lines{"setManual 0 2", "heartbeat", "setManual 0 3"}));
+}
+
 TEST_F(PermissionTest, ACallerIsWatchedBeforeItsPermissionIsAskedFor) {
   authorizer.holdsBack = true;
   begin(anna, messages::FullBlast());

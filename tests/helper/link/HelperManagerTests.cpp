@@ -257,5 +257,44 @@ TEST_F(HelperManagerTest, LeadsToTheSystemsSettings) {
   EXPECT_EQ(record.log, (Log{"settings"}));
 }
 
+/// Whose status comes when a test says so.
+class AskedService final : public DaemonService {
+public:
+  using Answer = std::shared_ptr<Completion<DaemonStatus>>;
+
+  explicit AskedService(std::vector<Answer>& questions) : questions_(questions) {}
+
+  Async<DaemonStatus> status() override {
+    const auto answer = std::make_shared<Completion<DaemonStatus>>(co_await boost::asio::this_coro::executor);
+    questions_.push_back(answer);
+    co_return co_await Completion<DaemonStatus>::valueOf(answer);
+  }
+  Async<ErrorText> registerDaemon() override { co_return std::nullopt; }
+  Async<ErrorText> unregisterDaemon() override { co_return std::nullopt; }
+  void openSystemSettings() override {}
+
+private:
+  std::vector<Answer>& questions_;
+};
+
+TEST_F(HelperManagerTest, AnOlderStatusDoesNotReplaceANewerOne) {
+  std::vector<AskedService::Answer> questions;
+  Manager manager;
+  const auto make = [&]() -> Async<void> {
+    manager = co_await HelperManager::make(time.executor(), std::make_unique<AskedService>(questions));
+  };
+  time.start(make());
+  questions.at(0)->complete(DaemonStatus::notRegistered);
+  time.clock.settle();
+  time.start(manager->refreshStatus());
+  time.start(manager->registerDaemon());
+  questions.at(2)->complete(DaemonStatus::enabled);
+  time.clock.settle();
+  EXPECT_EQ(manager->status(), DaemonStatus::enabled);
+  questions.at(1)->complete(DaemonStatus::notRegistered); // Asked before the registration.
+  time.clock.settle();
+  EXPECT_EQ(manager->status(), DaemonStatus::enabled);
+}
+
 } // namespace
 } // namespace ventolith::helper

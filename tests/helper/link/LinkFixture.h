@@ -58,6 +58,8 @@ public:
 
   /// Leaves messages of that name unanswered until `letGo`.
   void hold(const std::string& name) { held_.insert(name); }
+  /// Answers at once what comes from here on. What is held stays so until `letGo`.
+  void holdNoMore() { held_.clear(); }
   void letGo() {
     held_.clear();
     holdUp_->complete(true);

@@ -17,19 +17,32 @@ TEST(MachService, IsTheSystemsUnlessAnotherIsAskedFor) {
             (MachService{"com.ventolith.helper.development", Domain::user}));
 }
 
+/// Looks for the property list in a bundle that brings it or does not, and counts how often.
+struct Bundle {
+  PropertyList list;
+  mutable int looks = 0;
+
+  PropertyList operator()() const {
+    ++looks;
+    return list;
+  }
+};
+
 TEST(DaemonStatusOf, KnowsTheFourAndTakesNoOtherForAHelper) {
   for (const auto list : {PropertyList::isBrought, PropertyList::isMissing}) {
-    EXPECT_EQ(daemonStatusOf(0, list), DaemonStatus::notRegistered);
-    EXPECT_EQ(daemonStatusOf(1, list), DaemonStatus::enabled);
-    EXPECT_EQ(daemonStatusOf(2, list), DaemonStatus::requiresApproval);
-    EXPECT_EQ(daemonStatusOf(4, list), DaemonStatus::notFound);
-    EXPECT_EQ(daemonStatusOf(-1, list), DaemonStatus::notFound);
+    const Bundle bundle{list};
+    EXPECT_EQ(daemonStatusOf(0, bundle), DaemonStatus::notRegistered);
+    EXPECT_EQ(daemonStatusOf(1, bundle), DaemonStatus::enabled);
+    EXPECT_EQ(daemonStatusOf(2, bundle), DaemonStatus::requiresApproval);
+    EXPECT_EQ(daemonStatusOf(4, bundle), DaemonStatus::notFound);
+    EXPECT_EQ(daemonStatusOf(-1, bundle), DaemonStatus::notFound);
+    EXPECT_EQ(bundle.looks, 0) << "the disk was asked for what is known";
   }
 }
 
 TEST(DaemonStatusOf, TakesWhatMacOSHasNotFoundYetForNotRegisteredWhereTheBundleBringsIt) {
-  EXPECT_EQ(daemonStatusOf(3, PropertyList::isBrought), DaemonStatus::notRegistered);
-  EXPECT_EQ(daemonStatusOf(3, PropertyList::isMissing), DaemonStatus::notFound);
+  EXPECT_EQ(daemonStatusOf(3, Bundle{PropertyList::isBrought}), DaemonStatus::notRegistered);
+  EXPECT_EQ(daemonStatusOf(3, Bundle{PropertyList::isMissing}), DaemonStatus::notFound);
 }
 
 TEST(DaemonStatusOf, KnowsWhatIsRegisteredWhetherOrNotItIsAllowed) {

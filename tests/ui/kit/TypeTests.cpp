@@ -38,11 +38,11 @@ TEST(Type, EqualDigitsMakeEveryNumberOfAsManyDigitsEquallyWide) {
 }
 
 TEST(Type, EqualDigitsAreAsWideAsTheWidest) {
-  const QFontMetricsF metrics(fontOf(TextRole::body));
+  const QFontMetricsF metrics(fontOf(TextRole::reading)); // A font may have equal digits of its own for it.
   double widest = 0;
   for (const char16_t digit : std::u16string(u"0123456789"))
     widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
-  EXPECT_NEAR(TextLine(QStringLiteral("1"), TextRole::body, Digits::equal).width(), widest, 1e-6);
+  EXPECT_NEAR(TextLine(QStringLiteral("1"), TextRole::reading, Digits::equal).width(), widest, 1e-6);
 }
 
 TEST(Type, LettersBetweenEqualDigitsKeepTheirWidth) {

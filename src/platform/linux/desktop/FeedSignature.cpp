@@ -13,7 +13,7 @@ namespace ventolith::platform {
 
 std::string signatureURL(const std::string& feedURL) {
   const boost::urls::url_view url = boost::urls::parse_uri(feedURL).value();
-  const auto text = [](boost::urls::string_view part) { return std::string(part.data(), part.size()); };
+  const auto text = [](const auto& part) { return std::string(part.data(), part.size()); };
   std::string path = text(url.encoded_path());
   if (path.empty()) path = "/";
   const std::string query = url.has_query() ? "?" + text(url.encoded_query()) : "";

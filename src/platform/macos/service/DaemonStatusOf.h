@@ -9,15 +9,16 @@ namespace ventolith::platform {
 enum class PropertyList { isBrought, isMissing };
 
 /// What macOS never had to do with it does not find, so that a service that could be registered may be
-/// "not found" until it is. A number that is none of the four says nothing of a helper that could be talked
-/// to.
-[[nodiscard]] constexpr helper::DaemonStatus daemonStatusOf(long number, PropertyList list) {
+/// "not found" until it is: then alone `lookForList` is called. A number that is none of the four says
+/// nothing of a helper that could be talked to.
+template <class LookForList>
+[[nodiscard]] constexpr helper::DaemonStatus daemonStatusOf(long number, const LookForList& lookForList) {
   using Status = helper::DaemonStatus;
   switch (number) {
   case 0: return Status::notRegistered;
   case 1: return Status::enabled;
   case 2: return Status::requiresApproval;
-  case 3: return list == PropertyList::isBrought ? Status::notRegistered : Status::notFound;
+  case 3: return lookForList() == PropertyList::isBrought ? Status::notRegistered : Status::notFound;
   default: return Status::notFound;
   }
 }

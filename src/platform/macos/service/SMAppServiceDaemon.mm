@@ -27,7 +27,7 @@ SMAppService* daemon() {
   return [SMAppService daemonServiceWithPlistName:propertyListName];
 }
 
-PropertyList propertyList() {
+PropertyList lookForPropertyList() {
   NSURL* const folder =
       [NSBundle.mainBundle.bundleURL URLByAppendingPathComponent:@"Contents/Library/LaunchDaemons"
                                                      isDirectory:YES];
@@ -37,7 +37,7 @@ PropertyList propertyList() {
 }
 
 DaemonStatus statusNow() {
-  return daemonStatusOf(daemon().status, propertyList());
+  return daemonStatusOf(daemon().status, lookForPropertyList);
 }
 
 ErrorText registerNow() {
