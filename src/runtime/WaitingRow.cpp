@@ -10,12 +10,12 @@ WaitingRow::Place WaitingRow::enter() {
 }
 
 Async<void> WaitingRow::turn(std::shared_ptr<WaitingRow> row, Place place) {
-  while (row->places_.begin()->first != place) {
-    Event waiter(co_await boost::asio::this_coro::executor);
-    row->places_.at(place) = &waiter;
-    co_await waiter.wait();
-    row->places_.at(place) = nullptr;
+  if (row->places_.begin()->first != place) {
+    Event isFirst(co_await boost::asio::this_coro::executor);
+    row->places_.at(place) = &isFirst;
+    co_await isFirst.wait();
   }
+  row->leave(place);
 }
 
 void WaitingRow::leave(Place place) {

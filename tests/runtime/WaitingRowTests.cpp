@@ -10,72 +10,71 @@
 namespace ventolith::runtime {
 namespace {
 
+using Names = std::vector<std::string>;
+
 class WaitingRowTest : public testing::Test {
 protected:
-  /// Enters the row now, and says so when its turn has come.
-  WaitingRow::Place enter(std::string name) {
-    const auto place = row->enter();
-    time.start(takeTurn(std::move(name), place));
-    return place;
-  }
-  void leave(WaitingRow::Place place) {
-    row->leave(place);
-    time.clock.settle();
-  }
+  /// Takes the turn of a place, and says so when it has come.
+  void take(WaitingRow::Place place, std::string name) { time.start(takeTurn(place, std::move(name))); }
 
   support::VirtualTime time;
   std::shared_ptr<WaitingRow> row = std::make_shared<WaitingRow>();
-  std::vector<std::string> turns;
+  Names turns;
 
 private:
-  Async<void> takeTurn(std::string name, WaitingRow::Place place) {
+  Async<void> takeTurn(WaitingRow::Place place, std::string name) {
     co_await WaitingRow::turn(row, place);
     turns.push_back(std::move(name));
   }
 };
 
-using Names = std::vector<std::string>;
-
 TEST_F(WaitingRowTest, WhoIsAloneDoesNotWait) {
-  enter("a");
+  take(row->enter(), "a");
   EXPECT_EQ(turns, Names({"a"}));
 }
 
-TEST_F(WaitingRowTest, OneAtATimeGoesOn) {
-  const auto a = enter("a");
-  const auto b = enter("b");
-  enter("c");
-  EXPECT_EQ(turns, Names({"a"}));
-  leave(a);
-  EXPECT_EQ(turns, Names({"a", "b"}));
-  leave(b);
+TEST_F(WaitingRowTest, WhoIsReadyFirstWaitsForThoseBeforeIt) {
+  const auto a = row->enter();
+  const auto b = row->enter();
+  const auto c = row->enter();
+  take(c, "c");
+  take(b, "b");
+  EXPECT_EQ(turns, Names());
+  take(a, "a");
   EXPECT_EQ(turns, Names({"a", "b", "c"}));
 }
 
-TEST_F(WaitingRowTest, WhoLeavesBeforeItsTurnLetsNobodyPass) {
-  const auto a = enter("a");
-  const auto b = row->enter();
-  enter("c");
-  leave(b);
-  EXPECT_EQ(turns, Names({"a"}));
-  leave(a);
-  EXPECT_EQ(turns, Names({"a", "c"}));
-}
-
-TEST_F(WaitingRowTest, WhoIsNotReadyIsWaitedFor) {
+TEST_F(WaitingRowTest, OneThatIsNotReadyHoldsUpThoseBehindItAlone) {
   const auto a = row->enter();
-  const auto b = enter("b");
-  EXPECT_EQ(turns, Names());
-  leave(a);
-  EXPECT_EQ(turns, Names({"b"}));
-  leave(b);
-  EXPECT_EQ(row->size(), 0U);
+  const auto b = row->enter();
+  const auto c = row->enter();
+  take(c, "c");
+  take(a, "a");
+  EXPECT_EQ(turns, Names({"a"}));
+  take(b, "b");
+  EXPECT_EQ(turns, Names({"a", "b", "c"}));
 }
 
-TEST_F(WaitingRowTest, WhoEntersAfterAllHaveLeftDoesNotWait) {
-  leave(enter("a"));
-  enter("b");
-  EXPECT_EQ(turns, Names({"a", "b"}));
+TEST_F(WaitingRowTest, WhoHasItsTurnGoesOnBeforeTheNext) {
+  const auto a = row->enter();
+  take(row->enter(), "b");
+  const auto first = [this, a]() -> Async<void> {
+    co_await WaitingRow::turn(row, a);
+    turns.emplace_back("a has its turn");
+    turns.emplace_back("a is done");
+  };
+  time.start(first());
+  EXPECT_EQ(turns, Names({"a has its turn", "a is done", "b"}));
+}
+
+TEST_F(WaitingRowTest, NobodyIsLeftInItWhenAllHaveHadTheirTurns) {
+  const auto a = row->enter();
+  take(row->enter(), "b");
+  EXPECT_EQ(row->size(), 2U);
+  take(a, "a");
+  EXPECT_EQ(row->size(), 0U);
+  take(row->enter(), "c");
+  EXPECT_EQ(turns, Names({"a", "b", "c"}));
 }
 
 } // namespace

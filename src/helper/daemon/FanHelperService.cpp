@@ -121,9 +121,7 @@ Async<HelperAnswer> FanHelperService::changeInOrder(HelperCaller name, HelperMes
   const bool isAllowed = co_await its_.authorizer.mayControlFans(name, caller->gone.token());
   co_await runtime::WaitingRow::turn(order, place);
   caller->isAdmitted = isAllowed;
-  order->leave(place);
-  // From here up to where the fans hear of it nothing waits: the next change, which may begin now, comes
-  // after.
+  // From here up to where the fans hear of it nothing waits: the next change comes after.
   if (caller->gone.stopRequested()) {
     // A client that gives its fans back as it leaves has not waited for permission.
     if (wasAdmitted && letsGo(message) && !isEnding_) co_await perform(name, message);

@@ -83,7 +83,6 @@ Async<bool> LocalFanController::turnOfAPlan() {
   const Generation before = givenBack_;
   const runtime::WaitingRow::Place place = planOrder_->enter();
   co_await runtime::WaitingRow::turn(planOrder_, place);
-  planOrder_->leave(place);
   co_return before == givenBack_;
 }
 
@@ -105,7 +104,6 @@ Async<ControlResult> LocalFanController::applyFullBlast() {
   const runtime::WaitingRow::Place place = planOrder_->enter();
   const auto count = co_await fanCount();
   co_await runtime::WaitingRow::turn(planOrder_, place);
-  planOrder_->leave(place);
   if (!count) co_return ControlResult::failed("could not read FNum");
   if (before != givenBack_) co_return ControlResult::reclaimed;
   FanControlPlan plan = activePlan_;

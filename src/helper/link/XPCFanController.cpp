@@ -130,9 +130,7 @@ Async<ControlResult> XPCFanController::reconciledCommand(Weak controller, Helper
   self = nullptr;
   co_await ensureHelperVersionReconciled(controller);
   co_await runtime::WaitingRow::turn(row, place);
-  row->leave(place);
-  // From here up to where the connection has the message nothing waits: the next command, which may go on
-  // now, comes after.
+  // From here up to where the connection has the message nothing waits: the next command comes after.
   self = controller.lock();
   if (!self) co_return ControlResult::noHelper;
   if (order->restores != restoresBefore) co_return ControlResult::acquiring;

@@ -1,39 +1,19 @@
 // Plans of which a newer one comes while an older one is under way, and passes of theirs that overlap.
-#include "helper/engine/EngineFixture.h"
+#include "helper/engine/OvertakingFixture.h"
 
 namespace ventolith::helper {
 namespace {
 
-using Log = std::vector<std::string>;
 using Targets = std::map<FanID, std::int64_t>;
 
-class OverlappingPlansTest : public EngineTest {
+class OverlappingPlansTest : public OvertakingFixture {
 protected:
-  /// Starts `work` at the moment when `write` is about to be answered for the first time.
-  void at(const std::string& write, std::function<Async<ControlResult>()> work) {
-    smc.beforeWrite = [this, write, work = std::move(work),
-                       isDone = false](const std::string& asked) mutable {
-      if (asked != write || std::exchange(isDone, true)) return;
-      runtime::start(context.get_executor(), "what overtakes", drop(work()));
-    };
-  }
   /// What was published since the last call.
   std::vector<ControlState> published() {
     std::vector<ControlState> states;
     while (auto next = controller->stateStream().tryNext())
       states.push_back(std::move(*next));
     return states;
-  }
-  [[nodiscard]] Log writesTo(const std::string& key) const {
-    Log found;
-    for (const std::string& write : smc.writes()) {
-      if (write.starts_with(key + "=")) found.push_back(write);
-    }
-    return found;
-  }
-  [[nodiscard]] std::string lastWriteTo(const std::string& key) const {
-    const Log found = writesTo(key);
-    return found.empty() ? "none" : found.back();
   }
   static FanControlPlan onCurve(FanID fan) {
     core::FanCurve curve;
@@ -42,9 +22,6 @@ protected:
     plan.fans.push_back({fan, FanControlModePlan::curve(curve)});
     return plan;
   }
-
-private:
-  static Async<void> drop(Async<ControlResult> work) { co_await std::move(work); }
 };
 
 TEST_F(OverlappingPlansTest, TheOlderOneTakesNoFurtherFanThatTheNewerLeavesAlone) {
@@ -74,7 +51,7 @@ TEST_F(OverlappingPlansTest, TheOlderOneTriesAFanNoLongerThatTheNewerLeavesAlone
 
 TEST_F(OverlappingPlansTest, AFanThatIsTakenJustAsTheNewerOneComesGoesBack) {
   run(controller->applyPlan(fixed({{0, 3000}})));
-  at("F1Md=1", [this] { return controller->applyPlan(fixed({{0, 5000}})); });
+  at("F1Md=1", [this] { return apply(fixed({{0, 5000}})); });
   run(controller->applyPlan(fixed({{0, 3000}, {1, 4000}})));
   passAlive(3);
   EXPECT_EQ(lastWriteTo("F1Md"), "F1Md=0");
@@ -144,7 +121,7 @@ class PlanInMidPass : public OverlappingPlansTest, public testing::WithParamInte
 
 TEST_P(PlanInMidPass, LeavesNoFanInManualThatNobodyHolds) {
   run(controller->applyPlan(fixed({{0, 3000}, {1, 4000}})));
-  at(GetParam(), [this] { return controller->applyPlan(fixed({{0, 5000}})); });
+  at(GetParam(), [this] { return apply(fixed({{0, 5000}})); });
   pass(1.5);
   const Log speeds = writesTo("F1Tg");
   passAlive(5);
@@ -163,7 +140,7 @@ TEST_P(PassInMidPass, TakesNoFanAnewThatTheNewerOneGivesBack) {
   run(controller->applyPlan(fixed({{0, 3000}, {1, 4000}})));
   at(GetParam(), [this] {
     sensors.next.fans.pop_back();
-    return controller->applyPlan(fixed({{0, 5000}, {1, 5000}}));
+    return apply(fixed({{0, 5000}, {1, 5000}}));
   });
   pass(1.5);
   passAlive(5);
@@ -189,14 +166,14 @@ protected:
 
 TEST_P(PlanInMidRelease, OfAnOlderPlanHasItsFans) {
   run(controller->applyPlan(fixed({{0, 3000}, {1, 4000}})));
-  at(GetParam(), [this] { return controller->applyPlan(fixed({{0, 5000}, {1, 5000}})); });
+  at(GetParam(), [this] { return apply(fixed({{0, 5000}, {1, 5000}})); });
   run(controller->applyPlan(fixed({{0, 3000}})));
   expectBothHeld();
 }
 
 TEST_P(PlanInMidRelease, OfAllFansHasItsFans) {
   run(controller->applyPlan(fixed({{0, 3000}, {1, 4000}})));
-  at(GetParam(), [this] { return controller->applyPlan(fixed({{0, 5000}, {1, 5000}})); });
+  at(GetParam(), [this] { return apply(fixed({{0, 5000}, {1, 5000}})); });
   run(controller->automatic());
   expectBothHeld();
 }
@@ -213,7 +190,7 @@ TEST_F(OverlappingPlansTest, AWatchdogsReportDoesNotHideTheNewerOne) {
   sensors.setCelsius(96);
   at("F0Md=0", [this] {
     sensors.setCelsius(50);
-    return controller->applyPlan(fixed({{0, 5000}}));
+    return apply(fixed({{0, 5000}}));
   });
   pass(1.5);
   EXPECT_EQ(lastError(), "none");

@@ -1,41 +1,10 @@
 // Commands, rounds and releases that overtake each other.
-#include "helper/engine/EngineFixture.h"
+#include "helper/engine/OvertakingFixture.h"
 
 namespace ventolith::helper {
 namespace {
 
-using Log = std::vector<std::string>;
-
-class OvertakenTest : public EngineTest {
-protected:
-  /// Starts `work` at the moment when `write` is about to be answered for the first time.
-  void at(const std::string& write, std::function<Async<void>()> work) {
-    smc.beforeWrite = [this, write, work = std::move(work),
-                       isDone = false](const std::string& asked) mutable {
-      if (asked != write || std::exchange(isDone, true)) return;
-      logAtStart_ = smc.log.size();
-      runtime::start(context.get_executor(), "what overtakes", work());
-    };
-  }
-  Async<void> apply(FanControlPlan plan) { co_await controller->applyPlan(std::move(plan)); }
-
-  /// The writes since the overtaking began.
-  [[nodiscard]] Log writesSince() const {
-    Log writes;
-    for (std::size_t place = logAtStart_; place < smc.log.size(); ++place) {
-      if (smc.log[place].back() != '?') writes.push_back(smc.log[place]);
-    }
-    return writes;
-  }
-  [[nodiscard]] std::string lastWriteTo(const std::string& key) const {
-    const auto writes = smc.writes();
-    const auto last = std::find_if(writes.rbegin(), writes.rend(),
-                                   [&](const std::string& write) { return write.starts_with(key + "="); });
-    return last == writes.rend() ? "none" : *last;
-  }
-
-  std::size_t logAtStart_ = 0;
-};
+class OvertakenTest : public OvertakingFixture {};
 
 TEST_F(OvertakenTest, AClaimThatStandsDownTakesNoFurtherFanOfItsPlan) {
   smc.refuseForEver("F0Md=1", 0x82);
