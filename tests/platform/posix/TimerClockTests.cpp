@@ -131,10 +131,10 @@ TEST_F(TimerClockTest, TimerThatRanOutIsAcknowledgedAndSetForTheNext) {
   EXPECT_TRUE(waiting_);
 }
 
-TEST_F(TimerClockTest, TimerThatRanOutLateWakesAllWhoseTimeHasCome) {
-  sleep('a', Instant(110s));
-  sleep('b', Instant(120s));
+TEST_F(TimerClockTest, TimerThatRanOutLateWakesAllWhoseTimeHasComeTheEarliestFirst) {
   sleep('c', Instant(130s));
+  sleep('b', Instant(120s));
+  sleep('a', Instant(110s));
   runOut(Instant(125s));
   EXPECT_EQ(ended_, "ab");
   EXPECT_EQ(log_.back(), "set 130");
