@@ -210,7 +210,7 @@ TEST_F(BusLink, OtherClientsThatComeAndGoWakeNobody) {
   Client client(loop, bus.address());
   client.call(messages::RestoreAuto());
   listener->watch(service.callers[0]);
-  loop.runFor(50ms);
+  loop.untilAsleep();
   const std::size_t wakeUps = loop.handledCount();
 
   stranger()->requestName("com.ventolith.stranger");

@@ -175,7 +175,7 @@ TEST_F(FeedEngine, WaitsLessForAConnectionThatIsNotMade) {
   const boost::asio::ip::tcp::acceptor deaf(context, {boost::asio::ip::address_v4::loopback(), 0});
   feedURL = fmt::format("https://localhost:{}/feed.xml", deaf.local_endpoint().port());
   limits.connect = 300ms;
-  expectFailure("The update server took too long."); // Within the 20 seconds of a test's patience, not 45.
+  expectFailure("The update server took too long."); // Within a test's patience, not in 45 seconds.
 }
 
 TEST_F(FeedEngine, FollowsFiveRedirectsAndNoMore) {

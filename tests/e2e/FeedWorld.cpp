@@ -1,5 +1,7 @@
 #include "e2e/FeedWorld.h"
 
+#include "e2e/Patience.h"
+
 #include <fmt/format.h>
 #include <sodium.h>
 
@@ -60,7 +62,7 @@ void FeedLoops::turn() {
 }
 
 void FeedLoops::until(const std::string& what, const std::function<bool()>& holds) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  const auto end = std::chrono::steady_clock::now() + patience;
   while (!holds()) {
     if (std::chrono::steady_clock::now() > end) throw std::runtime_error("waited in vain: " + what);
     turn();

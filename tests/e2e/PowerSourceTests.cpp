@@ -85,14 +85,6 @@ struct UPower : testing::Test {
     loop.runFor(20ms);
     EXPECT_EQ(log, expected);
   }
-  /// That nothing wakes the loop any more, once what is on its way has come.
-  void expectSleep() {
-    loop.until("a loop that sleeps", [&] {
-      const std::size_t before = loop.handledCount();
-      loop.runFor(200ms);
-      return loop.handledCount() == before;
-    });
-  }
 
   PrivateBus privateBus;
   ServiceLoop loop;
@@ -144,7 +136,7 @@ TEST_F(UPower, TellsNothingOfTheLid) {
 TEST_F(UPower, SleepsBetweenNotifications) {
   startUPower(true);
   observeUPower();
-  expectSleep();
+  loop.untilAsleep();
 }
 
 TEST_F(UPower, WhoseDisplayDeviceIsAnUninterruptibleSupplyIsUnknownOnIt) {
@@ -188,7 +180,7 @@ TEST_F(UPower, ThatGoesLeavesTheAnswerToTheFallback) {
   kernel.source = PowerSource::battery;
   kernel.tell();
   EXPECT_EQ(log, (Log{PowerSource::battery, PowerSource::ac, PowerSource::battery}));
-  expectSleep();
+  loop.untilAsleep();
 }
 
 TEST_F(UPower, ThatComesBackIsTakenUp) {
@@ -214,7 +206,7 @@ TEST_F(UPower, ThatComesLaterIsTakenUp) {
 TEST_F(UPower, ThatNeverComesIsNotWaitedForAwake) {
   kernel.source = PowerSource::battery;
   observe();
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(provider->current(), PowerSource::battery);
   EXPECT_EQ(log, Log{});
   EXPECT_EQ(kernel.fallbacksMade, 1);
@@ -225,7 +217,7 @@ TEST_F(UPower, ThatOnlyTakesQuestionsLeavesTheAnswerToTheFallback) {
   hanging->requestName(upowerObject.name);
   kernel.source = PowerSource::ac;
   observe();
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(provider->current(), PowerSource::ac);
 }
 
@@ -234,7 +226,7 @@ TEST_F(UPower, ThatIsNotUnderstoodLeavesTheAnswerToTheFallback) {
   kernel.source = PowerSource::battery;
   observe();
   set({{"OnBattery", sdbus::Variant(std::string("no"))}});
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(provider->current(), PowerSource::battery);
   EXPECT_EQ(log, Log{});
 }
@@ -253,7 +245,7 @@ TEST_F(UPower, ThatCannotBeStartedIsTriedOnce) {
   privateBus.addService(upowerObject.name, R"(/bin/sh -c "echo again >> )" + tries.string() + R"(; exit 1")");
   observe();
   loop.until("the try", [&] { return !readLines(tries).empty(); });
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(readLines(tries).size(), 1U);
 }
 
@@ -274,7 +266,7 @@ TEST_F(UPower, OnABusThatDiesLeavesTheAnswerToTheFallback) {
   kernel.source = PowerSource::ac;
   privateBus.kill();
   untilLogged({PowerSource::battery, PowerSource::ac});
-  expectSleep();
+  loop.untilAsleep();
   kernel.tell();
   EXPECT_EQ(log, (Log{PowerSource::battery, PowerSource::ac, PowerSource::ac}));
 }
@@ -286,7 +278,7 @@ TEST_F(UPower, ThatHangsOnABusThatDiesEndsNothing) {
   observe();
   loop.runFor(20ms);
   privateBus.kill();
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(provider->current(), PowerSource::ac);
 }
 
@@ -297,7 +289,7 @@ TEST_F(UPower, WithoutABusIsTheFallback) {
   EXPECT_EQ(provider->current(), PowerSource::battery);
   kernel.tell();
   EXPECT_EQ(log, (Log{PowerSource::battery}));
-  expectSleep();
+  loop.untilAsleep();
 }
 
 TEST_F(UPower, TellsNothingAfterTheStop) {
@@ -306,7 +298,7 @@ TEST_F(UPower, TellsNothingAfterTheStop) {
   provider->stop();
   setOnBattery(false);
   endUPower();
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(log, (Log{PowerSource::battery}));
 }
 
@@ -323,7 +315,7 @@ TEST_F(UPower, IsNotHeardOnceTheSourceIsGone) {
   observe(); // Its question is still on its way.
   provider.reset();
   setOnBattery(false);
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(log, Log{});
   EXPECT_FALSE(kernel.tell);
 }
@@ -340,7 +332,7 @@ TEST_F(UPower, WhoIsToldMayLetGoOfTheSource) {
   setOnBattery(false);
   loop.until("the flip", [&] { return timesTold == 2; });
   setOnBattery(true);
-  expectSleep();
+  loop.untilAsleep();
   EXPECT_EQ(timesTold, 2);
 }
 

@@ -1,5 +1,7 @@
 #include "e2e/Program.h"
 
+#include "e2e/Patience.h"
+
 #include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,9 +24,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::chrono::milliseconds pollInterval{20};
-constexpr std::chrono::seconds deadline{20};
 // Ends what a test left behind that was itself ended before it could clean up.
-constexpr unsigned longestLifeSeconds = 90;
+constexpr unsigned longestLifeSeconds = 300;
 
 void require(int error, const std::string& what) {
   if (error != 0) throw std::runtime_error(what + ": " + std::generic_category().message(error));
@@ -114,7 +115,7 @@ struct Launch {
 } // namespace
 
 void waitUntil(const std::string& what, const std::function<bool()>& holds) {
-  const auto end = std::chrono::steady_clock::now() + deadline;
+  const auto end = std::chrono::steady_clock::now() + patience;
   while (!holds()) {
     if (std::chrono::steady_clock::now() > end) throw std::runtime_error("waited in vain: " + what);
     std::this_thread::sleep_for(pollInterval);

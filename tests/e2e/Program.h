@@ -12,8 +12,8 @@
 
 namespace ventolith::e2e {
 
-/// Asks `holds` every 20 ms until it says yes. Fails with std::runtime_error, which names `what`, after 20
-/// seconds.
+/// Asks `holds` every 20 ms until it says yes. Fails with std::runtime_error, which names `what`, once its
+/// patience is over.
 void waitUntil(const std::string& what, const std::function<bool()>& holds);
 
 /// The whole file; empty if there is none.
@@ -75,7 +75,7 @@ public:
   [[nodiscard]] std::vector<std::string> outLines() const { return readLines(outFile()); }
   [[nodiscard]] std::string err() const { return readText(errFile()); }
 
-  /// Waits for its end, with the deadline of waitUntil().
+  /// Waits for its end, with the patience of waitUntil().
   Ended wait();
 
 private:

@@ -1,6 +1,7 @@
 // The executor of what is under test, in virtual time, while real processes and a real bus answer it.
 #pragma once
 
+#include "e2e/Patience.h"
 #include "runtime/Async.h"
 #include "runtime/ManualClock.h"
 
@@ -30,9 +31,9 @@ public:
   [[nodiscard]] runtime::ManualClock& clock() { return clock_; }
 
   /// Runs all that becomes ready until `holds` says yes, without letting virtual time pass. Fails with
-  /// std::runtime_error, which names `what`, after 20 real seconds.
+  /// std::runtime_error, which names `what`, once the patience of a test is over.
   void until(const std::string& what, const std::function<bool()>& holds) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    const auto end = std::chrono::steady_clock::now() + patience;
     while (!holds()) {
       if (std::chrono::steady_clock::now() > end) throw std::runtime_error("waited in vain: " + what);
       runFor(std::chrono::milliseconds(5));
@@ -45,6 +46,15 @@ public:
     context_.restart();
     handled_ += context_.run_until(end);
     std::this_thread::sleep_until(end);
+  }
+
+  /// Runs until nothing wakes this loop any more, once what is on its way has come.
+  void untilAsleep() {
+    until("a loop that sleeps", [this] {
+      const std::size_t before = handled_;
+      runFor(std::chrono::milliseconds(200));
+      return handled_ == before;
+    });
   }
 
   /// How often something woke this loop in `runFor` and `until`.

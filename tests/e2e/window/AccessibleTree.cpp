@@ -1,5 +1,7 @@
 #include "e2e/window/AccessibleTree.h"
 
+#include "e2e/Patience.h"
+
 #include <stdexcept>
 
 namespace ventolith::e2e {
@@ -7,8 +9,6 @@ namespace ventolith::e2e {
 using nlohmann::json;
 
 namespace {
-
-constexpr int patience = 15; // Seconds; less than that of whoever waits for the answer.
 
 std::vector<std::string> strings(const json& list) {
   return list.get<std::vector<std::string>>();
@@ -102,7 +102,7 @@ void AccessibleTree::setText(const Accessible& element, const std::string& text)
 }
 
 json AccessibleTree::ask(json request) {
-  request["seconds"] = patience;
+  request["seconds"] = (patience / 2).count(); // Less than that of whoever waits for the answer.
   requests_.write(request.dump());
   json answer = nextAnswer();
   if (!answer.contains("ok")) throw std::runtime_error(answer.dump());
