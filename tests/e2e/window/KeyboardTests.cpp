@@ -14,11 +14,16 @@ protected:
   /// Presses Tab until the keyboard is where it is wanted.
   Accessible tabTo(const std::string& what, const std::function<bool(const Accessible&)>& isThere) {
     constexpr int longestWay = 60;
-    for (int presses = 0; presses < longestWay; ++presses) {
-      const Accessible reached = tree.focused();
-      if (isThere(reached)) return reached;
+    Accessible reached = tree.focused();
+    for (int presses = 0; presses < longestWay && !isThere(reached); ++presses) {
+      const int left = reached.id;
       hands.press({"Tab"});
+      waitUntil("another control with the keyboard", [&] {
+        reached = tree.focused();
+        return reached.id != left;
+      });
     }
+    if (isThere(reached)) return reached;
     throw std::runtime_error("the keyboard does not reach " + what);
   }
   Accessible tabTo(const std::string& role, const std::string& name) {
@@ -45,15 +50,14 @@ TEST_F(WindowByKeyboard, EnablesTheHelperHoldsAFanShapesACurveAndRestoresAuto) {
   tabTo("list item", "Dashboard");
   hands.press({"Down"});
   waitUntil("the curves", [this] { return desktop.activeWindow() == "Fan Curves"; });
-  const Accessible point =
-      tabTo("a point", [](const Accessible& reached) { return reached.name.starts_with("Point 1 of "); });
-  hands.press({"Tab", "Up", "Up"});
-  const Accessible second = tree.focused();
-  EXPECT_TRUE(second.name.starts_with("Point 2 of ")) << second.name;
-  waitUntilStored("a curve", "plan.json", [&](const json&) {
+  const Accessible second =
+      tabTo("a point", [](const Accessible& reached) { return reached.name.starts_with("Point 2 of "); });
+  const double higher = second.value.value().now + 2 * second.value.value().step;
+  hands.press({"Up", "Up"});
+  waitUntil("a point two steps higher", [&] { return tree.look(second).value.value().now == higher; });
+  waitUntilStored("a curve with that point", "plan.json", [&](const json&) {
     const json mode = storedMode(0);
-    return mode.contains("curve") &&
-           mode["curve"]["_0"]["points"].at(1).at("percent") == second.value.value().now;
+    return mode.contains("curve") && mode["curve"]["_0"]["points"].at(1).at("percent") == higher;
   });
 
   tabTo("push button", "Restore Auto");

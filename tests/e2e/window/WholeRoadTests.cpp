@@ -46,7 +46,8 @@ protected:
 
 void WholeRoad::dragAFan() {
   dragSlider(fanSlider("Fan 0"), 0.5);
-  EXPECT_NEAR(fanSlider("Fan 0").value.value().now, 50, 1);
+  waitUntil("a slider in its middle",
+            [this] { return std::abs(fanSlider("Fan 0").value.value().now - 50) <= 1; });
   waitUntilFanRunsAt(0, rpmAt(0, 0.5));
   EXPECT_TRUE(storedMode(0).contains("fixedRPM"));
 }
