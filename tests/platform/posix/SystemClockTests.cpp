@@ -65,7 +65,8 @@ TEST(SystemClock, DeadlineAheadIsWaitedForThoughALaterOneWasSetBefore) {
   const Instant start = elapsedTime();
   sleepers.start('b', start + 10h, source.token());
   sleepers.start('a', start + 200us);
-  while (sleepers.ended.empty()) sleepers.context.run_one();
+  while (sleepers.ended.empty())
+    sleepers.context.run_one();
   EXPECT_EQ(sleepers.ended, "a");
   EXPECT_GE(elapsedTime(), start + 200us);
   source.requestStop();
